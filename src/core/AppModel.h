@@ -1,0 +1,87 @@
+#pragma once
+
+#include "DefaultAction.h"
+#include "RunningAppInfo.h"
+#include "WindowMinimizer.h"
+#include "platform/Platform.h"
+
+#include <QObject>
+#include <QString>
+
+#include <vector>
+
+class QTimer;
+
+namespace stowly {
+
+// The one observable model behind the panel and the settings window. Every assignment
+// to a published property emits its change signal, even when the value is unchanged.
+// Main thread only.
+class AppModel : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(bool hasAccessibilityPermission READ hasAccessibilityPermission
+                   NOTIFY hasAccessibilityPermissionChanged)
+    Q_PROPERTY(QString lastResultMessage READ lastResultMessage NOTIFY lastResultMessageChanged)
+    Q_PROPERTY(bool launchesAtLogin READ launchesAtLogin NOTIFY launchesAtLoginChanged)
+
+public:
+    explicit AppModel(Platform& platform, QObject* parent = nullptr);
+    ~AppModel() override;
+
+    bool hasAccessibilityPermission() const { return m_hasAccessibilityPermission; }
+    QString lastResultMessage() const { return m_lastResultMessage; }
+    const std::vector<RunningAppInfo>& runningApps() const { return m_runningApps; }
+    bool launchesAtLogin() const { return m_launchesAtLogin; }
+
+    DefaultAction preferredDefaultAction() const;
+
+    // State and refresh.
+    Q_INVOKABLE void refreshPermissionStatus();
+    Q_INVOKABLE void refreshRunningApps();
+    Q_INVOKABLE void refreshLaunchAtLoginStatus();
+    Q_INVOKABLE void refreshSnapshot();
+    // (Re)creates the one-second refresh timer; never leaves two running.
+    void startAutoRefresh();
+
+    // Commands.
+    Q_INVOKABLE void minimizeAllWindows();
+    Q_INVOKABLE void hideAllApps();
+    Q_INVOKABLE void closeAllWindows();
+    Q_INVOKABLE void forceQuitAllApps();
+    Q_INVOKABLE void performDefaultAction();
+    void openApp(const RunningAppInfo& app);
+    void terminateApp(const RunningAppInfo& app);
+    void forceTerminateApp(const RunningAppInfo& app);
+
+    // Launch at login and accessibility access.
+    Q_INVOKABLE void setLaunchAtLogin(bool enabled);
+    Q_INVOKABLE void requestAccessibilityPermission();
+    Q_INVOKABLE void openAccessibilitySettings();
+
+signals:
+    void hasAccessibilityPermissionChanged();
+    void lastResultMessageChanged();
+    void runningAppsChanged();
+    void launchesAtLoginChanged();
+
+private:
+    void setHasAccessibilityPermission(bool value);
+    void setLastResultMessage(const QString& value);
+    void setRunningApps(std::vector<RunningAppInfo> value);
+    void setLaunchesAtLogin(bool value);
+    // What a timer tick does: queue a refresh, never refresh inside the callback.
+    void scheduleRefreshFromTimer();
+
+    Platform& m_platform;
+    WindowMinimizer m_minimizer;
+    QTimer* m_refreshTimer = nullptr;
+
+    bool m_hasAccessibilityPermission = false;
+    QString m_lastResultMessage;
+    std::vector<RunningAppInfo> m_runningApps;
+    bool m_launchesAtLogin = false;
+
+    friend class AppModelTimerProbe;   // lets tests fire a tick without waiting a second
+};
+
+} // namespace stowly

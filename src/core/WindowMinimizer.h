@@ -1,0 +1,68 @@
+#pragma once
+
+#include "MinimizeError.h"
+#include "ProcessMemoryRecord.h"
+#include "RunningAppInfo.h"
+#include "platform/Accessibility.h"
+#include "platform/ProcessTable.h"
+#include "platform/Workspace.h"
+
+#include <QString>
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace stowly {
+
+// The stateless window and process service: every call reads the system afresh
+// through the platform interfaces it was given.
+class WindowMinimizer {
+public:
+    WindowMinimizer(Workspace& workspace, Accessibility& accessibility, ProcessTable& processTable);
+
+    // Bulk window actions over every managed app; throw MinimizeError on an unexpected
+    // accessibility failure, discarding the partial count.
+    std::int64_t minimizeAllWindows();
+    std::int64_t closeAllWindows();
+
+    // The open regular apps, largest memory first, ties by name (case-insensitive).
+    std::vector<RunningAppInfo> runningApps();
+
+    std::int64_t hideAllApps();            // number asked to hide
+    std::int64_t forceTerminateAllApps();  // number sent a forced termination
+    bool openApp(std::int32_t pid);
+    bool terminateApp(std::int32_t pid);
+    bool forceTerminateApp(std::int32_t pid);
+
+    // Building blocks of the operations above; public so that tests can pin each rule.
+
+    // Running apps other than this process, not terminated, regular; by raw name.
+    std::vector<RunningApplicationRef> managedApps();
+    RunningApplicationRef runningApplication(std::int32_t pid);
+
+    std::vector<AXElementRef> windows(const RunningApplication& app);
+    bool isStandardWindow(const AXElementRef& window);
+    bool minimize(const AXElementRef& window);
+    bool close(const AXElementRef& window);
+    std::optional<std::string> copyStringAttribute(const std::string& name, const AXElementRef& from);
+    std::optional<bool> copyBoolAttribute(const std::string& name, const AXElementRef& from);
+
+    std::vector<std::int32_t> allPIDs();
+    std::optional<QString> processName(std::int32_t pid);
+    static std::optional<QString> normalizedProcessName(const std::optional<QString>& name);
+    std::optional<std::uint64_t> memoryUsage(std::int32_t pid);
+    std::vector<ProcessMemoryRecord> groupedProcessMemory();
+    std::optional<std::uint64_t> totalMemory(const RunningApplication& app,
+                                             const std::vector<ProcessMemoryRecord>& processMemory);
+
+private:
+    template <typename WindowOperation>
+    std::int64_t countOverManagedWindows(WindowOperation operation);
+
+    Workspace& m_workspace;
+    Accessibility& m_accessibility;
+    ProcessTable& m_processTable;
+};
+
+} // namespace stowly
