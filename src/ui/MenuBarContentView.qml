@@ -11,6 +11,8 @@ Rectangle {
     implicitHeight: stack.implicitHeight + 2 * 14
     height: implicitHeight
     color: theme.windowBackground
+    border.width: 1
+    border.color: theme.separator
 
     Accessible.role: Accessible.Pane
     Accessible.name: texts.productName
