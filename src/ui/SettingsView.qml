@@ -98,9 +98,9 @@ Rectangle {
                         ActionOptionCard {
                             required property var modelData
                             option: modelData
-                            isSelected: modelData.isSelected
+                            isSelected: settings.selection[modelData.rawValue] === true
                             width: (cardRow.width - 3 * cardRow.spacing) / 4
-                            anchors.verticalCenter: parent ? parent.verticalCenter : undefined
+                            anchors.verticalCenter: parent.verticalCenter
                             onSelect: settings.toggleAction(modelData.rawValue, isSelected)
                         }
                     }

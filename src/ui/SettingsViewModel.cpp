@@ -13,7 +13,7 @@ SettingsViewModel::SettingsViewModel(AppModel& model, NotifyingPreferenceStore& 
     , m_preferences(preferences)
 {
     connect(&m_preferences, &NotifyingPreferenceStore::enabledActionsChanged, this, [this] {
-        emit cardsChanged();
+        emit selectionChanged();
         emit pickerChanged();
     });
     connect(&m_preferences, &NotifyingPreferenceStore::defaultActionChanged, this, [this] {
@@ -26,7 +26,6 @@ SettingsViewModel::SettingsViewModel(AppModel& model, NotifyingPreferenceStore& 
 
 QVariantList SettingsViewModel::cards() const
 {
-    const ActionSet enabled = ActionSettings::enabledActions(m_preferences);
     QVariantList list;
     for (DefaultAction action : DefaultAction::allCases()) {
         list.append(QVariantMap{
@@ -34,10 +33,18 @@ QVariantList SettingsViewModel::cards() const
             {QStringLiteral("shortTitle"), action.shortTitle()},
             {QStringLiteral("cardSummary"), action.cardSummary()},
             {QStringLiteral("systemImage"), action.systemImage()},
-            {QStringLiteral("isSelected"), enabled.count(action) > 0},
         });
     }
     return list;
+}
+
+QVariantMap SettingsViewModel::selection() const
+{
+    const ActionSet enabled = ActionSettings::enabledActions(m_preferences);
+    QVariantMap selected;
+    for (DefaultAction action : DefaultAction::allCases())
+        selected.insert(action.rawValue(), enabled.count(action) > 0);
+    return selected;
 }
 
 QStringList SettingsViewModel::pickerItems() const

@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QStringList>
 #include <QVariantList>
+#include <QVariantMap>
 
 namespace stowly {
 
@@ -14,8 +15,10 @@ class NotifyingPreferenceStore;
 // are ActionSettings'; this only presents them.
 class SettingsViewModel : public QObject {
     Q_OBJECT
-    // One card per action, catalogue order: {rawValue, shortTitle, cardSummary, systemImage, isSelected}.
-    Q_PROPERTY(QVariantList cards READ cards NOTIFY cardsChanged)
+    // One card per action, catalogue order: {rawValue, shortTitle, cardSummary, systemImage}.
+    Q_PROPERTY(QVariantList cards READ cards CONSTANT)
+    // rawValue -> whether the action is enabled (its card shows as selected).
+    Q_PROPERTY(QVariantMap selection READ selection NOTIFY selectionChanged)
     // The picker's items (short titles, by raw value) and the index of its selection.
     Q_PROPERTY(QStringList pickerItems READ pickerItems NOTIFY pickerChanged)
     Q_PROPERTY(int pickerIndex READ pickerIndex NOTIFY pickerChanged)
@@ -31,6 +34,7 @@ public:
     SettingsViewModel(AppModel& model, NotifyingPreferenceStore& preferences, QObject* parent = nullptr);
 
     QVariantList cards() const;
+    QVariantMap selection() const;
     QStringList pickerItems() const;
     int pickerIndex() const;
     QString summaryTitle() const;
@@ -49,7 +53,7 @@ public:
     Q_INVOKABLE void openAccessibilitySettings();
 
 signals:
-    void cardsChanged();
+    void selectionChanged();
     void pickerChanged();
     void summaryChanged();
     void launchesAtLoginChanged();
