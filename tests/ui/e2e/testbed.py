@@ -122,6 +122,16 @@ class TestBed:
     def wait_for(self, predicate, what, timeout=10.0):
         return self._wait_for(predicate, what, timeout)
 
+    def wait_for_value(self, produce, what, timeout=10.0):
+        """Waits until produce() gives something other than None, and returns it."""
+        deadline = time.monotonic() + timeout
+        while time.monotonic() < deadline:
+            value = produce()
+            if value is not None:
+                return value
+            time.sleep(0.1)
+        raise TimeoutError("timed out waiting for " + what)
+
     # ---- internals ------------------------------------------------------------------
     def _start_x(self):
         read_end, write_end = os.pipe()
