@@ -6,6 +6,7 @@ import os
 import shutil
 import signal
 import subprocess
+import sys
 import tempfile
 import time
 
@@ -54,6 +55,11 @@ class TestBed:
                 self._spawn("tint2", ["tint2", "-c", rc])
                 self._wait_for(self._tray_up, "tint2", 30)
         except BaseException:
+            for name in ("openbox", "tint2"):
+                path = os.path.join(self.home, name + ".log")
+                if os.path.exists(path):
+                    with open(path, errors="replace") as log:
+                        sys.stderr.write(f"--- {name} ---\n" + log.read()[-2000:])
             self.stop()
             raise
         return self
@@ -184,8 +190,10 @@ class TestBed:
             self._spawn("at-spi-bus-launcher", ["/usr/libexec/at-spi-bus-launcher", "--launch-immediately"])
 
     def _spawn(self, name, argv, env=None):
-        process = subprocess.Popen(argv, env=env or self.env, stdout=subprocess.DEVNULL,
-                                   stderr=subprocess.DEVNULL, start_new_session=True)
+        # Each program's output goes to a log in the bed's folder, for diagnosis.
+        with open(os.path.join(self.home, name.replace("/", "_") + ".log"), "ab") as log:
+            process = subprocess.Popen(argv, env=env or self.env, stdout=log, stderr=log,
+                                       start_new_session=True)
         self.processes.append((name, process))
         return process
 
