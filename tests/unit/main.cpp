@@ -1,0 +1,14 @@
+#include <QCoreApplication>
+
+#include <gtest/gtest.h>
+
+// AppModel owns a QTimer and queues its refreshes as events, so every test runs
+// with one application object alive.
+int main(int argc, char** argv)
+{
+    ::testing::InitGoogleTest(&argc, argv);
+    // Death tests re-run the binary instead of forking a process that holds Qt state.
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    QCoreApplication app(argc, argv);
+    return RUN_ALL_TESTS();
+}
