@@ -8,11 +8,15 @@
 #include <QObject>
 #include <QString>
 
+#include <cstdint>
+#include <functional>
 #include <vector>
 
 class QTimer;
 
 namespace stowly {
+
+struct BulkCommandTexts;
 
 // The one observable model behind the panel and the settings window. Every assignment
 // to a published property emits its change signal, even when the value is unchanged.
@@ -71,6 +75,9 @@ private:
     void setLaunchesAtLogin(bool value);
     // What a timer tick does: queue a refresh, never refresh inside the callback.
     void scheduleRefreshFromTimer();
+    // The shape shared by the four bulk commands: optional trust check, the minimizer call,
+    // one sentence for the outcome, then a fresh list.
+    void runBulkCommand(const BulkCommandTexts& texts, const std::function<std::int64_t()>& operation);
 
     Platform& m_platform;
     WindowMinimizer m_minimizer;

@@ -1,0 +1,12 @@
+#include "AccessibilityPermissionChecker.h"
+
+#include "platform/Accessibility.h"
+
+namespace stowly {
+
+bool AccessibilityPermissionChecker::isTrusted(AccessibilityTrust& trust, bool prompt)
+{
+    return trust.isProcessTrusted(prompt);
+}
+
+} // namespace stowly
