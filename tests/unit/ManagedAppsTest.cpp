@@ -82,7 +82,7 @@ TEST_F(ManagedApps, TerminatedAppsAreNotManaged)
 
 TEST_F(ManagedApps, NamelessAppSortsFirstInManagedApps)
 {
-    workspace.addApp(10, "Aardvark");
+    workspace.addApp(10, "Badger");
     workspace.addApp(11, std::nullopt);
     workspace.addApp(12, "Zebra");
     EXPECT_EQ(managedPids(), (std::vector<std::int32_t>{11, 10, 12}));
@@ -92,9 +92,9 @@ TEST_F(ManagedApps, NamelessAppIsListedAsUnknownAppAndTiesBreakByThatText)
 {
     appUsing(10, "Zebra", 4096);
     appUsing(11, std::nullopt, 4096);
-    appUsing(12, "Aardvark", 4096);
+    appUsing(12, "Badger", 4096);
     appUsing(13, "Vole", 4096);
-    EXPECT_EQ(listedNames(), (std::vector<QString>{q("Aardvark"), q("Unknown App"), q("Vole"), q("Zebra")}));
+    EXPECT_EQ(listedNames(), (std::vector<QString>{q("Badger"), q("Unknown App"), q("Vole"), q("Zebra")}));
 }
 
 TEST_F(ManagedApps, AlphaAndZetaWithEqualMemoryListAlphaFirstButManageZetaFirst)

@@ -1,4 +1,5 @@
 #include <QCoreApplication>
+#include <QLocale>
 
 #include <gtest/gtest.h>
 
@@ -10,5 +11,8 @@ int main(int argc, char** argv)
     // Death tests re-run the binary instead of forking a process that holds Qt state.
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     QCoreApplication app(argc, argv);
+    // Name ties in the app list are broken by a localized comparison; pin the locale so
+    // the expected orders hold whatever the machine's LANG is.
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
     return RUN_ALL_TESTS();
 }
