@@ -114,6 +114,15 @@ TEST_F(ManagedApps, ManagedAppsSortCaseSensitivelyUppercaseFirst)
     EXPECT_EQ(managedPids(), (std::vector<std::int32_t>{13, 11, 12, 10}));
 }
 
+TEST_F(ManagedApps, ManagedAppsCompareCanonicallyEquivalentNamesAlike)
+{
+    // "Cafe" + combining acute is "Café" (U+00E9), which sorts after "Cafez" by scalar value;
+    // compared raw, the decomposed form would come first.
+    workspace.addApp(10, std::string("Cafe\xcc\x81"));
+    workspace.addApp(11, "Cafez");
+    EXPECT_EQ(managedPids(), (std::vector<std::int32_t>{11, 10}));
+}
+
 TEST_F(ManagedApps, LargestMemoryIsListedFirst)
 {
     appUsing(10, "Small", 1024);
