@@ -165,5 +165,27 @@ TEST(ByteCountFormatter, ExbibyteIsOneEB)
     EXPECT_EQ(formatMemoryByteCount(std::int64_t(1) << 60), q("1 EB"));   // [units]
 }
 
+// The next three follow Apple's open-source Foundation (swift-corelibs-foundation,
+// ByteCountFormatter), the one public implementation of this formatter: the unit comes from
+// the raw count, the number is rounded by a number formatter (ties to even) and grouped.
+
+TEST(ByteCountFormatter, UnitFollowsTheRawCountJustBelowTheNextUnit)
+{
+    EXPECT_EQ(formatMemoryByteCount(1048575), q("1,024 KB"));   // 1,023.999 KB
+    EXPECT_EQ(formatMemoryByteCount(1023), q("1,023 bytes"));
+}
+
+TEST(ByteCountFormatter, RoundingTiesGoToTheEvenNeighbour)
+{
+    EXPECT_EQ(formatMemoryByteCount(2560), q("2 KB"));          // 2.5 KB
+    EXPECT_EQ(formatMemoryByteCount(3584), q("4 KB"));          // 3.5 KB
+    EXPECT_EQ(formatMemoryByteCount(1310720), q("1.2 MB"));     // 1.25 MB
+}
+
+TEST(ByteCountFormatter, LargeFiguresAreGroupedInThousands)
+{
+    EXPECT_EQ(formatMemoryByteCount(1000 * 1024), q("1,000 KB"));
+}
+
 } // namespace
 } // namespace stowly
