@@ -3,14 +3,17 @@
 #include <QGuiApplication>
 #include <QWindow>
 
+#ifdef STOWLY_UI_X11
 #include <xcb/xcb.h>
 
 #include <array>
 #include <cstdlib>
 #include <cstring>
+#endif
 
 namespace stowly::TaskbarHints {
 
+#ifdef STOWLY_UI_X11
 namespace {
 
 xcb_atom_t internAtom(xcb_connection_t* connection, const char* name)
@@ -46,5 +49,11 @@ void skipTaskbarAndPager(QWindow& window)
                         static_cast<std::uint32_t>(states.size()), states.data());
     xcb_flush(connection);
 }
+#else
+void skipTaskbarAndPager(QWindow&)
+{
+    // Other platforms keep tool windows out of their task lists themselves.
+}
+#endif
 
 } // namespace stowly::TaskbarHints

@@ -54,6 +54,8 @@ class TestBed:
                     f.write(TINT2RC)
                 self._spawn("tint2", ["tint2", "-c", rc])
                 self._wait_for(self._tray_up, "tint2", 30)
+                # The panel maps a moment before its tray owns the tray selection.
+                time.sleep(1.0)
         except BaseException:
             for name in ("openbox", "tint2"):
                 path = os.path.join(self.home, name + ".log")
