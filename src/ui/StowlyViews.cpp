@@ -63,6 +63,7 @@ QQuickView* StowlyViews::createPanelView(QWindow* parent)
     auto* view = new QQuickView(m_engine, parent);
     view->setResizeMode(QQuickView::SizeViewToRootObject);
     view->setColor(m_theme->windowBackground);
+    view->setTitle(ViewTexts::productName);   // what assistive technology calls the panel
     view->setSource(panelUrl());
     return view;
 }
