@@ -46,8 +46,8 @@ class TestBed:
         try:
             self._start_x()
             self._start_dbus(accessibility)
-            self._spawn("openbox", ["openbox", "--sm-disable"])
-            self._wait_for(lambda: self._root_has("_NET_SUPPORTING_WM_CHECK"), "openbox", 30)
+            self._wait_for(lambda: self.run(["xdpyinfo"]).returncode == 0, "the X server", 30)
+            self._start_window_manager()
             if tray:
                 rc = os.path.join(self.home, "tint2rc")
                 with open(rc, "w") as f:
@@ -65,6 +65,19 @@ class TestBed:
             self.stop()
             raise
         return self
+
+    def _start_window_manager(self):
+        # On a busy machine a client can now and then fail to connect to a brand-new
+        # server; a window manager that exited at once is started again.
+        for attempt in range(3):
+            openbox = self._spawn("openbox", ["openbox", "--sm-disable"])
+            deadline = time.monotonic() + 30
+            while time.monotonic() < deadline and openbox.poll() is None:
+                if self._root_has("_NET_SUPPORTING_WM_CHECK"):
+                    return
+                time.sleep(0.1)
+            self.end(openbox)
+        raise TimeoutError("timed out waiting for openbox")
 
     def stop(self):
         for name, process in reversed(self.processes):
