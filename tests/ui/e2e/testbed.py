@@ -32,6 +32,39 @@ systray_sort = ascending
 """
 
 
+def displays_in_use():
+    """Display numbers some X server already listens on. Lock files alone do not tell:
+    a server in another sandbox may share our abstract socket namespace without sharing
+    /tmp, and clients try the abstract socket first."""
+    used = set()
+    marker = "/tmp/.X11-unix/X"
+    try:
+        with open("/proc/net/unix") as sockets:
+            for line in sockets:
+                at = line.find(marker)
+                if at >= 0:
+                    digits = line[at + len(marker):].strip()
+                    if digits.isdigit():
+                        used.add(int(digits))
+    except OSError:
+        pass
+    for name in os.listdir("/tmp"):
+        if name.startswith(".X") and name.endswith("-lock") and name[2:-5].isdigit():
+            used.add(int(name[2:-5]))
+    return used
+
+
+def free_display_candidates(count=20):
+    used = displays_in_use()
+    candidate = 100 + os.getpid() % 700
+    found = []
+    while len(found) < count:
+        if candidate not in used:
+            found.append(candidate)
+        candidate += 1
+    return found
+
+
 class TestBed:
     def __init__(self, width=1280, height=800):
         self.size = (width, height)
@@ -155,31 +188,44 @@ class TestBed:
 
     # ---- internals ------------------------------------------------------------------
     def _start_x(self):
-        read_end, write_end = os.pipe()
-        width, height = self.size
-        xvfb = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(write_end), "-nolisten", "tcp",
-             "-screen", "0", f"{width}x{height}x24"],
-            pass_fds=[write_end], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
-            start_new_session=True)
-        os.close(write_end)
-        self.processes.append(("Xvfb", xvfb))
-        number = b""
-        deadline = time.monotonic() + 20
-        while not number.endswith(b"\n"):
-            if time.monotonic() > deadline or xvfb.poll() is not None:
-                raise RuntimeError("Xvfb did not start")
-            chunk = os.read(read_end, 16)
-            if not chunk:
+        # An explicit free number, and -displayfd as the readiness signal: Xvfb writes
+        # the number once it accepts connections and closes the pipe if it cannot.
+        for candidate in free_display_candidates():
+            number = self._try_xvfb(candidate)
+            if number:
                 break
-            number += chunk
-        os.close(read_end)
+        else:
+            raise RuntimeError("Xvfb did not start")
         self.display = ":" + number.decode().strip()
         self.env["DISPLAY"] = self.display
         self.env["XDG_CONFIG_HOME"] = os.path.join(self.home, "config")
         self.env["XDG_RUNTIME_DIR"] = os.path.join(self.home, "runtime")
         os.makedirs(self.env["XDG_RUNTIME_DIR"], mode=0o700)
         self.env.pop("WAYLAND_DISPLAY", None)
+
+    def _try_xvfb(self, candidate):
+        read_end, write_end = os.pipe()
+        width, height = self.size
+        xvfb = subprocess.Popen(
+            ["Xvfb", f":{candidate}", "-displayfd", str(write_end), "-nolisten", "tcp",
+             "-screen", "0", f"{width}x{height}x24"],
+            pass_fds=[write_end], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+            start_new_session=True)
+        os.close(write_end)
+        number = b""
+        deadline = time.monotonic() + 20
+        while not number.endswith(b"\n") and time.monotonic() < deadline:
+            chunk = os.read(read_end, 16)
+            if not chunk:
+                break
+            number += chunk
+        os.close(read_end)
+        if not number.endswith(b"\n"):
+            xvfb.kill()
+            xvfb.wait()
+            return None
+        self.processes.append(("Xvfb", xvfb))
+        return number
 
     def _start_dbus(self, accessibility):
         read_end, write_end = os.pipe()
