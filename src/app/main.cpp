@@ -18,8 +18,8 @@ int main(int argc, char* argv[])
     // Closing the panel or the settings window never ends the program; Quit does.
     QApplication::setQuitOnLastWindowClosed(false);
 
-    stowly::x11::LinuxPlatform linux;
-    stowly::Platform& backend = linux.platform();
+    stowly::x11::LinuxPlatform linuxPlatform;
+    stowly::Platform& backend = linuxPlatform.platform();
     // Every preference write goes through one store that tells the views.
     stowly::NotifyingPreferenceStore preferences(backend.preferences);
     stowly::Platform platform{backend.workspace, backend.accessibility, backend.trust, backend.processTable,
