@@ -29,14 +29,6 @@ Display& sharedDisplay();
 
 namespace {
 
-std::string readText(const std::string& path)
-{
-    std::ifstream in(path);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
-
 RunningApplicationRef appWithPid(Workspace& workspace, int pid)
 {
     for (const auto& app : workspace.runningApplications())

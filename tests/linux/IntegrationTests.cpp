@@ -31,14 +31,6 @@ Display& sharedDisplay();
 
 namespace {
 
-std::string readText(const std::string& path)
-{
-    std::ifstream in(path);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
-
 std::uint32_t windowOfTitle(const std::string& title)
 {
     for (const auto& w : wmctrlWindows())

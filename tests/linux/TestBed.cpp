@@ -136,6 +136,14 @@ std::string run(const std::string& command)
     return out;
 }
 
+std::string readText(const std::string& path)
+{
+    std::ifstream in(path);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
 namespace {
 
 // Display numbers some X server already listens on, by filesystem or abstract socket.

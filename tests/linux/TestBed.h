@@ -32,6 +32,8 @@ bool waitUntil(const std::function<bool()>& pred, std::chrono::milliseconds dead
 
 // Runs a command line through /bin/sh and answers its standard output.
 std::string run(const std::string& command);
+// The whole file, or "" when it cannot be read.
+std::string readText(const std::string& path);
 
 // A private display with openbox; DISPLAY is set for this process and its children.
 class Display {

@@ -1,5 +1,7 @@
 #include "DesktopEntries.h"
 
+#include "DesktopEntryFile.h"
+
 #include <dirent.h>
 #include <sys/stat.h>
 
@@ -168,31 +170,11 @@ void DesktopEntries::scan(const std::string& base, const std::string& dir, const
         std::ifstream in(path);
         if (!in)
             continue;
-        std::string line, group;
         std::string type, plainName, icon, wmClass;
         bool hidden = false;
         std::size_t bestLocale = m_localeKeys.size();
         std::string localizedName;
-        while (std::getline(in, line)) {
-            if (!line.empty() && line.back() == '\r')
-                line.pop_back();
-            if (line.empty() || line.front() == '#')
-                continue;
-            if (line.front() == '[') {
-                group = line;
-                continue;
-            }
-            if (group != "[Desktop Entry]")
-                continue;
-            const auto eq = line.find('=');
-            if (eq == std::string::npos)
-                continue;
-            std::string key = line.substr(0, eq);
-            while (!key.empty() && key.back() == ' ')
-                key.pop_back();
-            std::string value = line.substr(eq + 1);
-            while (!value.empty() && value.front() == ' ')
-                value.erase(value.begin());
+        for (const auto& [key, value] : readDesktopEntryGroup(in)) {
             if (key == "Type") type = value;
             else if (key == "Name") plainName = value;
             else if (key == "Icon") icon = value;

@@ -1,5 +1,7 @@
 #include "XdgAutostart.h"
 
+#include "DesktopEntryFile.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -100,24 +102,8 @@ LoginItemStatus XdgAutostart::status()
     std::ifstream in(entryPath());
     if (!in)
         return LoginItemStatus::notRegistered;
-    std::string line, group;
     bool disabled = false;
-    while (std::getline(in, line)) {
-        if (!line.empty() && line.back() == '\r')
-            line.pop_back();
-        if (!line.empty() && line.front() == '[') {
-            group = line;
-            continue;
-        }
-        if (group != "[Desktop Entry]")
-            continue;
-        const auto eq = line.find('=');
-        if (eq == std::string::npos)
-            continue;
-        std::string key = line.substr(0, eq), value = line.substr(eq + 1);
-        while (!key.empty() && key.back() == ' ') key.pop_back();
-        while (!value.empty() && value.front() == ' ') value.erase(value.begin());
-        while (!value.empty() && (value.back() == ' ' || value.back() == '\t')) value.pop_back();
+    for (const auto& [key, value] : readDesktopEntryGroup(in)) {
         if ((key == "Hidden" && value == "true") || (key == "X-GNOME-Autostart-enabled" && value == "false"))
             disabled = true;
     }
