@@ -7,11 +7,16 @@
 //   stowly_bench_windows wait-class CLASS COUNT [SECONDS]   wait until COUNT clients of that
 //        WM_CLASS are listed; prints how many are; exit status 1 on timeout.
 //   stowly_bench_windows clients      print the number of clients in _NET_CLIENT_LIST.
+//   stowly_bench_windows idle COUNT   keep COUNT idle child processes (to grow the process
+//        table), print "ready", and end them all when terminated or when our parent dies.
 
 #include "DisplayObserver.h"
 
 #include <xcb/xcb.h>
 
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -122,6 +127,43 @@ int openWindows(int count, bool dialog)
     return 0;
 }
 
+volatile sig_atomic_t g_stop = 0;
+
+int keepIdleProcesses(int count)
+{
+    // Our own parent dying ends us too, so the test bed cannot leak processes.
+    prctl(PR_SET_PDEATHSIG, SIGTERM);
+    struct sigaction stop {};
+    stop.sa_handler = [](int) { g_stop = 1; };
+    sigaction(SIGTERM, &stop, nullptr);
+    sigaction(SIGINT, &stop, nullptr);
+    sigaction(SIGHUP, &stop, nullptr);
+
+    std::vector<pid_t> children;
+    for (int i = 0; i < count && !g_stop; ++i) {
+        const pid_t child = fork();
+        if (child == 0) {
+            prctl(PR_SET_PDEATHSIG, SIGKILL);
+            signal(SIGTERM, SIG_DFL);
+            if (getppid() == 1)
+                _exit(0);
+            for (;;)
+                pause();
+        }
+        if (child > 0)
+            children.push_back(child);
+    }
+    std::printf("ready\n");
+    std::fflush(stdout);
+    while (!g_stop)
+        pause();
+    for (pid_t child : children)
+        kill(child, SIGKILL);
+    for (pid_t child : children)
+        waitpid(child, nullptr, 0);
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -132,6 +174,8 @@ int main(int argc, char** argv)
         const bool dialog = argc < 4 || std::strcmp(argv[3], "normal") != 0;
         return openWindows(count, dialog);
     }
+    if (mode == "idle" && argc >= 3)
+        return keepIdleProcesses(std::atoi(argv[2]));
     try {
         if (mode == "wait-class" && argc >= 4) {
             stowly::bench::DisplayObserver observer;
@@ -150,6 +194,6 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "stowly_bench_windows: %s\n", e.what());
         return 1;
     }
-    std::fprintf(stderr, "usage: stowly_bench_windows windows COUNT [dialog|normal] | wait-class CLASS COUNT [SECONDS] | clients\n");
+    std::fprintf(stderr, "usage: stowly_bench_windows windows COUNT [dialog|normal] | wait-class CLASS COUNT [SECONDS] | clients | idle COUNT\n");
     return 2;
 }
