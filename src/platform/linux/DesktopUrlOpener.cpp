@@ -1,0 +1,19 @@
+#include "DesktopUrlOpener.h"
+
+#include <QDesktopServices>
+#include <QGuiApplication>
+#include <QUrl>
+
+namespace stowly::x11 {
+
+bool DesktopUrlOpener::openUrl(const std::string& url)
+{
+    if (qobject_cast<QGuiApplication*>(QCoreApplication::instance()) == nullptr)
+        return false;
+    const QUrl parsed(QString::fromStdString(url));
+    if (!parsed.isValid())
+        return false;
+    return QDesktopServices::openUrl(parsed);
+}
+
+} // namespace stowly::x11

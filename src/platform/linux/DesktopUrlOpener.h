@@ -1,0 +1,14 @@
+#pragma once
+
+#include "platform/UrlOpener.h"
+
+namespace stowly::x11 {
+
+// Opens URLs with the desktop's handler (QDesktopServices). Needs a QGuiApplication;
+// without one it opens nothing and answers false.
+class DesktopUrlOpener : public UrlOpener {
+public:
+    bool openUrl(const std::string& url) override;
+};
+
+} // namespace stowly::x11

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "WindowSnapshot.h"
+#include "XConnection.h"
+#include "platform/Accessibility.h"
+
+namespace stowly::x11 {
+
+// Accessibility elements over EWMH client windows. Reading "AXWindows" reads every
+// property the window attributes need in the same batch, so the per-window reads that
+// follow answer from memory; only changes go to the server.
+class LinuxAccessibility : public Accessibility {
+public:
+    explicit LinuxAccessibility(XConnection& x) : m_x(x) {}
+
+    AXElementRef createApplication(std::int32_t processIdentifier) override;
+    AXError copyAttributeValue(const AXElementRef& element, const std::string& attribute, AXValue& value) override;
+    AXError setAttributeValue(const AXElementRef& element, const std::string& attribute,
+                              const AXValue& value) override;
+    AXError performAction(const AXElementRef& element, const std::string& action) override;
+
+private:
+    XConnection& m_x;
+};
+
+// Trusted means: connected to an X server on which an EWMH window manager runs and
+// publishes its client list. There is nothing to prompt for.
+class LinuxAccessibilityTrust : public AccessibilityTrust {
+public:
+    explicit LinuxAccessibilityTrust(XConnection& x) : m_x(x) {}
+    bool isProcessTrusted(bool prompt) override;
+
+private:
+    XConnection& m_x;
+};
+
+} // namespace stowly::x11

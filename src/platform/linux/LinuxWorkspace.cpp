@@ -1,0 +1,254 @@
+#include "LinuxWorkspace.h"
+
+#include "WindowRequests.h"
+#include "WindowTypes.h"
+
+#include <signal.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <unordered_set>
+
+namespace stowly::x11 {
+
+namespace {
+
+// A pass snapshot older than this is not reused, should a pass ever be left open.
+constexpr auto kPassSnapshotLifetime = std::chrono::seconds(1);
+constexpr int kMaxAncestorDepth = 128;
+
+} // namespace
+
+// ---- LinuxRunningApplication -------------------------------------------------------
+
+bool LinuxRunningApplication::isTerminated() const
+{
+    return !processIsAlive(m_state.pid);
+}
+
+bool LinuxRunningApplication::hide()
+{
+    return m_workspace.hideProcess(m_state.pid);
+}
+
+bool LinuxRunningApplication::terminate()
+{
+    if (!processIsAlive(m_state.pid))
+        return false;
+    if (m_workspace.closeProcessWindows(m_state.pid))
+        return true;
+    // No window the app could close politely: a termination request it may handle.
+    return ::kill(m_state.pid, SIGTERM) == 0;
+}
+
+bool LinuxRunningApplication::forceTerminate()
+{
+    if (m_state.pid <= 1 || m_state.pid == static_cast<std::int32_t>(::getpid()))
+        return false;
+    return ::kill(m_state.pid, SIGKILL) == 0;
+}
+
+bool LinuxRunningApplication::activate(unsigned options)
+{
+    (void)options;   // X11 activation always raises every window of the app
+    return m_workspace.activateProcess(m_state.pid);
+}
+
+// ---- LinuxWorkspace -------------------------------------------------------------------
+
+LinuxWorkspace::LinuxWorkspace(XConnection& x, ProcStatusCache& proc, DesktopEntries& entries)
+    : m_x(x), m_proc(proc), m_entries(entries)
+{
+}
+
+std::int32_t LinuxWorkspace::currentProcessIdentifier() const
+{
+    return static_cast<std::int32_t>(::getpid());
+}
+
+void LinuxWorkspace::beginProcessPass()
+{
+    m_passOpen = true;
+    m_passTable.reset();
+    m_ancestorMemo.clear();
+}
+
+std::shared_ptr<const LinuxWorkspace::AppTable> LinuxWorkspace::freshTable()
+{
+    m_entries.refreshIfChanged();
+    return buildTable(takeWindowSnapshot(m_x, &m_icons));
+}
+
+std::shared_ptr<const LinuxWorkspace::AppTable>
+LinuxWorkspace::buildTable(std::shared_ptr<const WindowSnapshot> snapshot)
+{
+    auto table = std::make_shared<AppTable>();
+    table->snapshot = snapshot;
+    std::vector<std::int32_t> order;
+    std::unordered_map<std::int32_t, std::vector<const ClientWindow*>> windowsByPid;
+    for (const ClientWindow& w : snapshot->windows) {
+        if (w.vanished || w.pid <= 0)
+            continue;   // a window of unknown owner cannot be attributed or acted on
+        auto& list = windowsByPid[w.pid];
+        if (list.empty())
+            order.push_back(w.pid);
+        list.push_back(&w);
+    }
+    for (const std::int32_t pid : order) {
+        const auto& windows = windowsByPid[pid];
+        AppState state;
+        state.pid = pid;
+        bool allHidden = true;
+        for (const ClientWindow* w : windows) {
+            if (isRegularAppWindow(m_x, *w))
+                state.policy = ActivationPolicy::regular;
+            if (!(w->isMinimized(m_x) && w->stowlyHidden))
+                allHidden = false;
+            if (w->id == snapshot->activeWindow)
+                state.active = true;
+            if (!state.icon && w->icon)
+                state.icon = w->icon;
+        }
+        state.hidden = allHidden;
+        for (const ClientWindow* w : windows) {
+            const DesktopEntries::Hints hints{&w->gtkApplicationId, &w->kdeDesktopFile, &w->wmClassClass,
+                                              &w->wmClassInstance};
+            if (const DesktopEntries::Entry* entry = m_entries.match(hints)) {
+                state.name = entry->name;
+                state.bundleId = entry->id;
+                break;
+            }
+        }
+        if (!state.name) {
+            for (const ClientWindow* w : windows) {
+                if (w->wmClassClass) {
+                    state.name = w->wmClassClass;
+                    state.bundleId = w->wmClassClass;
+                    break;
+                }
+            }
+        }
+        auto app = std::make_shared<LinuxRunningApplication>(*this, std::move(state));
+        table->apps.push_back(app);
+        table->byPid.emplace(pid, app);
+    }
+    return table;
+}
+
+std::vector<RunningApplicationRef> LinuxWorkspace::runningApplications()
+{
+    std::shared_ptr<const AppTable> table;
+    // Within a refresh the process walk came first; its snapshot is the same moment.
+    if (m_passOpen && m_passTable &&
+        std::chrono::steady_clock::now() - m_passTable->snapshot->takenAt < kPassSnapshotLifetime)
+        table = m_passTable;
+    else
+        table = freshTable();
+    m_passOpen = false;
+    m_passTable.reset();
+    m_ancestorMemo.clear();
+    return table->apps;
+}
+
+RunningApplicationRef LinuxWorkspace::runningApplication(std::int32_t pid)
+{
+    if (pid <= 0)
+        return nullptr;
+    std::shared_ptr<const AppTable> table;
+    if (m_passOpen) {
+        if (!m_passTable ||
+            std::chrono::steady_clock::now() - m_passTable->snapshot->takenAt >= kPassSnapshotLifetime) {
+            m_passTable = freshTable();
+            m_ancestorMemo.clear();
+        }
+        table = m_passTable;
+    } else {
+        table = freshTable();
+        m_ancestorMemo.clear();
+    }
+
+    // The app owning windows in this process, else the nearest ancestor that is one, so
+    // that helper processes count for their app.
+    std::vector<std::int32_t> visited;
+    RunningApplicationRef found;
+    std::int32_t current = pid;
+    for (int depth = 0; depth < kMaxAncestorDepth && current > 0; ++depth) {
+        if (const auto memo = m_ancestorMemo.find(current); memo != m_ancestorMemo.end()) {
+            found = memo->second;
+            break;
+        }
+        visited.push_back(current);
+        if (const auto it = table->byPid.find(current); it != table->byPid.end()) {
+            found = it->second;
+            break;
+        }
+        if (current == 1)
+            break;
+        const std::int32_t parent = m_proc.status(current).ppid;
+        if (parent == current || std::find(visited.begin(), visited.end(), parent) != visited.end())
+            break;
+        current = parent;
+    }
+    if (m_passOpen)
+        for (const std::int32_t p : visited)
+            m_ancestorMemo[p] = found;
+    return found;
+}
+
+std::vector<const ClientWindow*> LinuxWorkspace::windowsOf(const WindowSnapshot& snapshot, std::int32_t pid) const
+{
+    std::vector<const ClientWindow*> out;
+    for (const ClientWindow& w : snapshot.windows)
+        if (!w.vanished && w.pid == pid)
+            out.push_back(&w);
+    return out;
+}
+
+bool LinuxWorkspace::hideProcess(std::int32_t pid)
+{
+    const auto snapshot = takeWindowSnapshot(m_x, nullptr);
+    const auto windows = windowsOf(*snapshot, pid);
+    if (!snapshot->connected || windows.empty())
+        return false;
+    std::vector<xcb_window_t> ids;
+    for (const ClientWindow* w : windows)
+        ids.push_back(w->id);
+    // The mark first, so that the state reads "hidden" as soon as the WM iconifies.
+    setHiddenMark(m_x, ids, true);
+    bool any = false;
+    for (const xcb_window_t id : ids)
+        any = requestIconify(m_x, id) == kAXErrorSuccess || any;
+    return any;
+}
+
+bool LinuxWorkspace::activateProcess(std::int32_t pid)
+{
+    const auto snapshot = takeWindowSnapshot(m_x, nullptr);
+    const auto windows = windowsOf(*snapshot, pid);
+    if (!snapshot->connected || windows.empty())
+        return false;
+    std::vector<xcb_window_t> ids;
+    for (const ClientWindow* w : windows)
+        ids.push_back(w->id);
+    setHiddenMark(m_x, ids, false);
+    // Stacking order is bottom to top: the last used window comes last and stays on top.
+    const auto& stacking = snapshot->stacking;
+    std::stable_sort(ids.begin(), ids.end(), [&](xcb_window_t a, xcb_window_t b) {
+        const auto ia = std::find(stacking.begin(), stacking.end(), a);
+        const auto ib = std::find(stacking.begin(), stacking.end(), b);
+        return ia < ib;
+    });
+    return requestActivate(m_x, ids) == kAXErrorSuccess;
+}
+
+bool LinuxWorkspace::closeProcessWindows(std::int32_t pid)
+{
+    const auto snapshot = takeWindowSnapshot(m_x, nullptr);
+    bool any = false;
+    for (const ClientWindow* w : windowsOf(*snapshot, pid))
+        if (w->supportsDelete)
+            any = requestClose(m_x, w->id) == kAXErrorSuccess || any;
+    return any;
+}
+
+} // namespace stowly::x11

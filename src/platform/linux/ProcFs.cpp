@@ -1,0 +1,245 @@
+#include "ProcFs.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <string_view>
+
+namespace stowly::x11 {
+
+namespace {
+
+// Values older than this are not trusted even within one pass.
+constexpr auto kPassLifetime = std::chrono::seconds(2);
+
+std::optional<std::uint64_t> parseKb(std::string_view value)
+{
+    while (!value.empty() && (value.front() == ' ' || value.front() == '\t'))
+        value.remove_prefix(1);
+    std::uint64_t result = 0;
+    std::size_t digits = 0;
+    while (digits < value.size() && value[digits] >= '0' && value[digits] <= '9') {
+        if (result > (UINT64_MAX - 9) / 10)
+            return std::nullopt;
+        result = result * 10 + static_cast<std::uint64_t>(value[digits] - '0');
+        ++digits;
+    }
+    if (digits == 0)
+        return std::nullopt;
+    return result;
+}
+
+// Guards the byte conversion: kB * 1024 must not wrap.
+std::uint64_t kbToBytes(std::uint64_t kb)
+{
+    return kb > UINT64_MAX / 1024 ? UINT64_MAX : kb * 1024;
+}
+
+std::string pidPath(std::int32_t pid, const char* leaf)
+{
+    return "/proc/" + std::to_string(pid) + "/" + leaf;
+}
+
+} // namespace
+
+std::optional<std::string> readProcFile(const std::string& path, std::size_t limit)
+{
+    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
+        return std::nullopt;
+    std::string out;
+    char chunk[4096];
+    while (out.size() < limit) {
+        const ssize_t n = ::read(fd, chunk, sizeof chunk);
+        if (n < 0) {
+            if (errno == EINTR)
+                continue;
+            ::close(fd);
+            return std::nullopt;   // e.g. ESRCH when the process exited mid-read
+        }
+        if (n == 0)
+            break;
+        out.append(chunk, static_cast<std::size_t>(n));
+    }
+    ::close(fd);
+    if (out.size() > limit)
+        out.resize(limit);
+    return out;
+}
+
+ProcStatus parseProcStatus(const std::string& text)
+{
+    ProcStatus status;
+    status.readable = true;
+    std::size_t start = 0;
+    while (start < text.size()) {
+        std::size_t end = text.find('\n', start);
+        if (end == std::string::npos)
+            end = text.size();
+        const std::string_view line(text.data() + start, end - start);
+        start = end + 1;
+        const std::size_t colon = line.find(':');
+        if (colon == std::string_view::npos)
+            continue;
+        const std::string_view key = line.substr(0, colon);
+        const std::string_view value = line.substr(colon + 1);
+        if (key == "State") {
+            const auto letter = value.find_first_not_of(" \t");
+            if (letter != std::string_view::npos)
+                status.state = value[letter];
+        } else if (key == "PPid") {
+            if (const auto ppid = parseKb(value); ppid && *ppid <= 0x7fffffff)
+                status.ppid = static_cast<std::int32_t>(*ppid);
+        } else if (key == "VmRSS") {
+            status.vmRssKb = parseKb(value);
+        } else if (key == "RssAnon") {
+            status.rssAnonKb = parseKb(value);
+        } else if (key == "RssShmem") {
+            status.rssShmemKb = parseKb(value);
+        } else if (key == "VmSwap") {
+            status.vmSwapKb = parseKb(value);
+        }
+    }
+    return status;
+}
+
+bool processIsAlive(std::int32_t pid)
+{
+    if (pid <= 0)
+        return false;
+    if (::kill(pid, 0) != 0 && errno == ESRCH)
+        return false;
+    // A zombie has exited; only its parent's wait is missing.
+    const auto stat = readProcFile(pidPath(pid, "stat"), 4096);
+    if (!stat)
+        return false;
+    const auto paren = stat->rfind(')');
+    if (paren == std::string::npos || paren + 2 >= stat->size())
+        return true;
+    const char state = (*stat)[paren + 2];
+    return state != 'Z' && state != 'X' && state != 'x';
+}
+
+void ProcStatusCache::beginPass()
+{
+    m_entries.clear();
+    m_passStart = std::chrono::steady_clock::now();
+}
+
+const ProcStatus& ProcStatusCache::status(std::int32_t pid)
+{
+    if (std::chrono::steady_clock::now() - m_passStart > kPassLifetime)
+        beginPass();
+    const auto it = m_entries.find(pid);
+    if (it != m_entries.end())
+        return it->second;
+    ProcStatus status;
+    if (pid > 0)
+        if (const auto text = readProcFile(pidPath(pid, "status")))
+            status = parseProcStatus(*text);
+    return m_entries.emplace(pid, status).first->second;
+}
+
+std::vector<std::int32_t> LinuxProcessTable::scan() const
+{
+    std::vector<std::int32_t> pids;
+    DIR* dir = ::opendir("/proc");
+    if (dir == nullptr)
+        return pids;
+    while (dirent* entry = ::readdir(dir)) {
+        const char* name = entry->d_name;
+        std::int64_t value = 0;
+        bool numeric = *name != '\0';
+        for (const char* p = name; *p != '\0' && numeric; ++p) {
+            numeric = *p >= '0' && *p <= '9';
+            value = value * 10 + (*p - '0');
+            if (value > 0x7fffffff)
+                numeric = false;
+        }
+        if (numeric)
+            pids.push_back(static_cast<std::int32_t>(value));
+    }
+    ::closedir(dir);
+    return pids;
+}
+
+int LinuxProcessTable::listAllPids(std::int32_t* buffer, int bufferSize)
+{
+    if (buffer == nullptr || bufferSize <= 0) {
+        // The counting call opens a pass; the filling call follows right away and is
+        // answered from the same listing, so that the two agree.
+        m_cache.beginPass();
+        if (onPassStart)
+            onPassStart();
+        m_listing = scan();
+        m_haveListing = true;
+        return static_cast<int>(std::min<std::size_t>(m_listing.size(), 0x7fffffff));
+    }
+    std::vector<std::int32_t> listing;
+    if (m_haveListing) {
+        listing.swap(m_listing);
+        m_haveListing = false;
+    } else {
+        listing = scan();
+    }
+    const std::size_t capacity = static_cast<std::size_t>(bufferSize) / sizeof(std::int32_t);
+    const std::size_t count = std::min(capacity, listing.size());
+    std::copy_n(listing.begin(), count, buffer);
+    return static_cast<int>(count);
+}
+
+int LinuxProcessTable::name(std::int32_t pid, char* buffer, std::uint32_t bufferSize)
+{
+    if (buffer == nullptr || bufferSize == 0 || pid <= 0)
+        return 0;
+    auto comm = readProcFile(pidPath(pid, "comm"), 256);
+    if (!comm)
+        return 0;
+    if (!comm->empty() && comm->back() == '\n')
+        comm->pop_back();
+    std::string name = *comm;
+    // The kernel keeps 15 bytes of a name; argv[0] often has the whole of it.
+    if (name.size() == 15) {
+        if (const auto cmdline = readProcFile(pidPath(pid, "cmdline"), 4096)) {
+            std::string argv0 = cmdline->substr(0, cmdline->find('\0'));
+            const auto slash = argv0.rfind('/');
+            if (slash != std::string::npos)
+                argv0.erase(0, slash + 1);
+            if (argv0.size() > name.size() && argv0.compare(0, name.size(), name) == 0)
+                name = argv0;
+        }
+    }
+    if (name.empty())
+        return 0;
+    const std::size_t length = std::min<std::size_t>(name.size(), bufferSize - 1);
+    std::memcpy(buffer, name.data(), length);
+    buffer[length] = '\0';
+    return static_cast<int>(length);
+}
+
+int LinuxProcessTable::pidRusage(std::int32_t pid, RusageInfo& info)
+{
+    const ProcStatus& status = m_cache.status(pid);
+    // Kernel threads and zombies have no memory lines at all.
+    if (!status.readable || !status.rssAnonKb)
+        return -1;
+    const std::uint64_t kb = *status.rssAnonKb + status.rssShmemKb.value_or(0) + status.vmSwapKb.value_or(0);
+    info.physFootprint = kbToBytes(kb);
+    return 0;
+}
+
+int LinuxProcessTable::pidTaskInfo(std::int32_t pid, TaskInfo& info)
+{
+    const ProcStatus& status = m_cache.status(pid);
+    if (!status.readable || !status.vmRssKb)
+        return 0;
+    info.residentSize = kbToBytes(*status.vmRssKb);
+    return kTaskInfoSize;
+}
+
+} // namespace stowly::x11

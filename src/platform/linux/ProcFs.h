@@ -1,0 +1,63 @@
+#pragma once
+
+#include "platform/ProcessTable.h"
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace stowly::x11 {
+
+// What /proc/PID/status says about one process, read once per pass.
+struct ProcStatus {
+    bool readable = false;
+    char state = '?';
+    std::int32_t ppid = -1;
+    std::optional<std::uint64_t> vmRssKb, rssAnonKb, rssShmemKb, vmSwapKb;
+};
+
+// /proc/PID/status per process for the current pass over the process table, so that the
+// memory calls and the parent lookups of one refresh read each file only once.
+class ProcStatusCache {
+public:
+    // Starts a new pass: forgets everything read before.
+    void beginPass();
+    const ProcStatus& status(std::int32_t pid);
+
+private:
+    std::unordered_map<std::int32_t, ProcStatus> m_entries;
+    std::chrono::steady_clock::time_point m_passStart{};
+};
+
+// Reads a small /proc file whole; nullopt when it cannot be read.
+std::optional<std::string> readProcFile(const std::string& path, std::size_t limit = 64 * 1024);
+ProcStatus parseProcStatus(const std::string& text);
+// The process exists and is not a zombie.
+bool processIsAlive(std::int32_t pid);
+
+// proc_listallpids & co. over /proc.
+class LinuxProcessTable : public ProcessTable {
+public:
+    explicit LinuxProcessTable(ProcStatusCache& cache) : m_cache(cache) {}
+
+    int listAllPids(std::int32_t* buffer, int bufferSize) override;
+    int name(std::int32_t pid, char* buffer, std::uint32_t bufferSize) override;
+    int pidRusage(std::int32_t pid, RusageInfo& info) override;
+    int pidTaskInfo(std::int32_t pid, TaskInfo& info) override;
+
+    // Called when a new pass over the process table starts (the counting call).
+    std::function<void()> onPassStart;
+
+private:
+    std::vector<std::int32_t> scan() const;
+
+    ProcStatusCache& m_cache;
+    std::vector<std::int32_t> m_listing;   // from the counting call, for the filling call
+    bool m_haveListing = false;
+};
+
+} // namespace stowly::x11

@@ -1,0 +1,285 @@
+#include "WindowSnapshot.h"
+
+#include "NetWmIcon.h"
+#include "TextUtil.h"
+
+#include <xcb/res.h>
+#include <xcb/xcb_icccm.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+
+namespace stowly::x11 {
+
+namespace {
+
+constexpr std::uint32_t kMaxListLongs = 1u << 16;     // client lists, atom lists
+constexpr std::uint32_t kMaxTextLongs = 1u << 12;     // 16 KiB of text is plenty
+constexpr std::uint32_t kMaxIconLongs = 1u << 20;     // 4 MiB: a 1024x1024 icon
+
+// One GetProperty reply with its value checked against its declared format.
+struct Property {
+    bool present = false;    // the window exists and has the property
+    bool badWindow = false;
+    xcb_atom_t type = XCB_NONE;
+    std::uint8_t format = 0;
+    std::string_view bytes;
+    xcb_get_property_reply_t* reply = nullptr;
+
+    Property() = default;
+    Property(const Property&) = delete;
+    Property& operator=(const Property&) = delete;
+    ~Property() { std::free(reply); }
+
+    // Items of a 32-bit property (xcb hands them over in host order).
+    std::vector<std::uint32_t> longs() const
+    {
+        std::vector<std::uint32_t> out;
+        if (!present || format != 32)
+            return out;
+        out.resize(bytes.size() / 4);
+        if (!out.empty())
+            std::memcpy(out.data(), bytes.data(), out.size() * 4);
+        return out;
+    }
+};
+
+void collect(xcb_connection_t* c, xcb_get_property_cookie_t cookie, Property& out)
+{
+    xcb_generic_error_t* error = nullptr;
+    out.reply = xcb_get_property_reply(c, cookie, &error);
+    if (error != nullptr) {
+        out.badWindow = error->error_code == XCB_WINDOW;
+        std::free(error);
+    }
+    if (out.reply == nullptr || out.reply->type == XCB_NONE)
+        return;
+    const int length = xcb_get_property_value_length(out.reply);
+    const std::uint8_t format = out.reply->format;
+    if (length < 0 || (format != 8 && format != 16 && format != 32))
+        return;
+    const std::size_t unit = format / 8;
+    const std::size_t usable = static_cast<std::size_t>(length) - static_cast<std::size_t>(length) % unit;
+    out.present = true;
+    out.type = out.reply->type;
+    out.format = format;
+    out.bytes = std::string_view(static_cast<const char*>(xcb_get_property_value(out.reply)), usable);
+}
+
+xcb_get_property_cookie_t request(xcb_connection_t* c, xcb_window_t window, xcb_atom_t property,
+                                  std::uint32_t maxLongs)
+{
+    return xcb_get_property_unchecked(c, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, maxLongs);
+}
+
+std::optional<std::string> textOf(const Property& p, const XConnection& x)
+{
+    if (!p.present || p.format != 8)
+        return std::nullopt;
+    std::string_view text = p.bytes;
+    // Some clients include the terminating NUL.
+    while (!text.empty() && text.back() == '\0')
+        text.remove_suffix(1);
+    if (p.type == x.atom(Atom::UTF8_STRING))
+        return sanitizeUtf8(text);
+    return latin1OrUtf8ToUtf8(text);
+}
+
+struct WindowCookies {
+    xcb_get_property_cookie_t pid, type, state, wmState, wmClass, hidden, transient, protocols, gtkId, kdeFile,
+        netName, wmName, icon;
+    xcb_res_query_client_ids_cookie_t res{};
+    bool askedRes = false;
+    bool askedIcon = false;
+};
+
+} // namespace
+
+bool ClientWindow::hasState(xcb_atom_t atom) const
+{
+    return std::find(states.begin(), states.end(), atom) != states.end();
+}
+
+bool ClientWindow::isMinimized(const XConnection& x) const
+{
+    return iconicByWmState || hasState(x.atom(Atom::NET_WM_STATE_HIDDEN));
+}
+
+AppIconRef IconCache::get(xcb_window_t window) const
+{
+    const auto it = m_icons.find(window);
+    return it == m_icons.end() ? nullptr : it->second;
+}
+
+void IconCache::keepOnly(const std::vector<ClientWindow>& windows)
+{
+    std::unordered_map<xcb_window_t, AppIconRef> kept;
+    for (const ClientWindow& w : windows) {
+        const auto it = m_icons.find(w.id);
+        if (it != m_icons.end())
+            kept.emplace(it->first, it->second);
+    }
+    m_icons.swap(kept);
+}
+
+std::shared_ptr<const WindowSnapshot> takeWindowSnapshot(XConnection& x, IconCache* icons)
+{
+    auto snapshot = std::make_shared<WindowSnapshot>();
+    snapshot->takenAt = std::chrono::steady_clock::now();
+    if (!x.ensureConnected())
+        return snapshot;
+    x.drainEvents();
+    xcb_connection_t* c = x.get();
+    snapshot->generation = x.generation();
+
+    // Stage 1: what the window manager lists.
+    const auto listCookie = request(c, x.root(), x.atom(Atom::NET_CLIENT_LIST), kMaxListLongs);
+    const auto stackCookie = request(c, x.root(), x.atom(Atom::NET_CLIENT_LIST_STACKING), kMaxListLongs);
+    const auto activeCookie = request(c, x.root(), x.atom(Atom::NET_ACTIVE_WINDOW), 1);
+    Property list, stack, active;
+    collect(c, listCookie, list);
+    collect(c, stackCookie, stack);
+    collect(c, activeCookie, active);
+    x.countRoundTrip();
+    if (!x.isConnected())
+        return snapshot;
+    snapshot->connected = true;
+    if (list.type == XCB_ATOM_WINDOW)
+        for (const std::uint32_t id : list.longs())
+            if (id != XCB_NONE) {
+                snapshot->windows.emplace_back();
+                snapshot->windows.back().id = id;
+            }
+    if (stack.type == XCB_ATOM_WINDOW)
+        snapshot->stacking = stack.longs();
+    if (active.type == XCB_ATOM_WINDOW && !active.longs().empty())
+        snapshot->activeWindow = active.longs().front();
+
+    // Stage 2: every property of every window, sent before any reply is read.
+    std::vector<WindowCookies> cookies(snapshot->windows.size());
+    for (std::size_t i = 0; i < snapshot->windows.size(); ++i) {
+        const xcb_window_t w = snapshot->windows[i].id;
+        WindowCookies& k = cookies[i];
+        if (x.hasResourceExtension()) {
+            const xcb_res_client_id_spec_t spec{w, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+            k.res = xcb_res_query_client_ids_unchecked(c, 1, &spec);
+            k.askedRes = true;
+        }
+        k.pid = request(c, w, x.atom(Atom::NET_WM_PID), 1);
+        k.type = request(c, w, x.atom(Atom::NET_WM_WINDOW_TYPE), 64);
+        k.state = request(c, w, x.atom(Atom::NET_WM_STATE), 64);
+        k.wmState = request(c, w, x.atom(Atom::WM_STATE), 2);
+        k.wmClass = request(c, w, XCB_ATOM_WM_CLASS, kMaxTextLongs);
+        k.hidden = request(c, w, x.atom(Atom::STOWLY_HIDDEN), 1);
+        k.transient = request(c, w, XCB_ATOM_WM_TRANSIENT_FOR, 1);
+        k.protocols = request(c, w, x.atom(Atom::WM_PROTOCOLS), 64);
+        k.gtkId = request(c, w, x.atom(Atom::GTK_APPLICATION_ID), kMaxTextLongs);
+        k.kdeFile = request(c, w, x.atom(Atom::KDE_NET_WM_DESKTOP_FILE), kMaxTextLongs);
+        k.netName = request(c, w, x.atom(Atom::NET_WM_NAME), kMaxTextLongs);
+        k.wmName = request(c, w, XCB_ATOM_WM_NAME, kMaxTextLongs);
+        if (icons != nullptr && !icons->contains(w)) {
+            k.icon = request(c, w, x.atom(Atom::NET_WM_ICON), kMaxIconLongs);
+            k.askedIcon = true;
+        }
+    }
+    xcb_flush(c);
+
+    for (std::size_t i = 0; i < snapshot->windows.size(); ++i) {
+        ClientWindow& w = snapshot->windows[i];
+        WindowCookies& k = cookies[i];
+        if (k.askedRes) {
+            xcb_generic_error_t* error = nullptr;
+            xcb_res_query_client_ids_reply_t* reply = xcb_res_query_client_ids_reply(c, k.res, &error);
+            if (reply != nullptr) {
+                for (auto it = xcb_res_query_client_ids_ids_iterator(reply); it.rem > 0;
+                     xcb_res_client_id_value_next(&it)) {
+                    if ((it.data->spec.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID) != 0 &&
+                        xcb_res_client_id_value_value_length(it.data) >= 1) {
+                        const std::uint32_t pid = *xcb_res_client_id_value_value(it.data);
+                        if (pid > 0 && pid <= 0x7fffffff)
+                            w.pid = static_cast<std::int32_t>(pid);
+                    }
+                }
+            }
+            std::free(reply);
+            std::free(error);
+        }
+        Property pid, type, state, wmState, wmClass, hidden, transient, protocols, gtkId, kdeFile, netName, wmName;
+        collect(c, k.pid, pid);
+        collect(c, k.type, type);
+        collect(c, k.state, state);
+        collect(c, k.wmState, wmState);
+        collect(c, k.wmClass, wmClass);
+        collect(c, k.hidden, hidden);
+        collect(c, k.transient, transient);
+        collect(c, k.protocols, protocols);
+        collect(c, k.gtkId, gtkId);
+        collect(c, k.kdeFile, kdeFile);
+        collect(c, k.netName, netName);
+        collect(c, k.wmName, wmName);
+        w.vanished = pid.badWindow || type.badWindow || wmState.badWindow;
+
+        if (w.pid == 0 && pid.type == XCB_ATOM_CARDINAL) {
+            const auto values = pid.longs();
+            if (!values.empty() && values.front() > 0 && values.front() <= 0x7fffffff)
+                w.pid = static_cast<std::int32_t>(values.front());
+        }
+        if (type.type == XCB_ATOM_ATOM)
+            w.types = type.longs();
+        if (state.type == XCB_ATOM_ATOM)
+            w.states = state.longs();
+        if (wmState.type == x.atom(Atom::WM_STATE)) {
+            const auto values = wmState.longs();
+            w.iconicByWmState = !values.empty() && values.front() == XCB_ICCCM_WM_STATE_ICONIC;
+        }
+        if (wmClass.present && wmClass.format == 8) {
+            // Two NUL-terminated strings: instance, then class.
+            const std::string_view all = wmClass.bytes;
+            const std::size_t split = all.find('\0');
+            w.wmClassInstance = latin1OrUtf8ToUtf8(all.substr(0, split));
+            if (split != std::string_view::npos) {
+                std::string_view rest = all.substr(split + 1);
+                rest = rest.substr(0, rest.find('\0'));
+                if (!rest.empty())
+                    w.wmClassClass = latin1OrUtf8ToUtf8(rest);
+            }
+            if (w.wmClassInstance->empty())
+                w.wmClassInstance.reset();
+        }
+        w.stowlyHidden = hidden.present && hidden.format == 32 && !hidden.longs().empty() && hidden.longs().front() != 0;
+        w.transient = transient.type == XCB_ATOM_WINDOW && !transient.longs().empty();
+        if (protocols.type == XCB_ATOM_ATOM) {
+            const auto atoms = protocols.longs();
+            w.supportsDelete = std::find(atoms.begin(), atoms.end(), x.atom(Atom::WM_DELETE_WINDOW)) != atoms.end();
+        }
+        w.gtkApplicationId = textOf(gtkId, x);
+        w.kdeDesktopFile = textOf(kdeFile, x);
+        w.title = textOf(netName, x);
+        if (!w.title)
+            w.title = textOf(wmName, x);
+
+        if (k.askedIcon) {
+            Property icon;
+            collect(c, k.icon, icon);
+            AppIconRef decoded;
+            if (icon.type == XCB_ATOM_CARDINAL && icon.format == 32) {
+                const auto values = icon.longs();
+                decoded = decodeNetWmIcon(values.data(), values.size(), kWantedIconSize);
+            }
+            if (!icon.badWindow)
+                icons->put(w.id, decoded);
+        }
+        if (icons != nullptr)
+            w.icon = icons->get(w.id);
+    }
+    x.countRoundTrip();
+    if (icons != nullptr)
+        icons->keepOnly(snapshot->windows);
+    if (!x.isConnected())
+        snapshot->connected = false;
+    return snapshot;
+}
+
+} // namespace stowly::x11

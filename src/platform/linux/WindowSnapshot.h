@@ -1,0 +1,69 @@
+#pragma once
+
+#include "XConnection.h"
+#include "platform/AppIcon.h"
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace stowly::x11 {
+
+// How EWMH/ICCCM describe one managed client window, as far as this backend cares.
+struct ClientWindow {
+    xcb_window_t id = 0;
+    bool vanished = false;              // the server said BadWindow while we read it
+    std::int32_t pid = 0;               // 0 when unknown
+    std::vector<xcb_atom_t> types;      // _NET_WM_WINDOW_TYPE, in preference order
+    std::vector<xcb_atom_t> states;     // _NET_WM_STATE
+    bool iconicByWmState = false;       // ICCCM WM_STATE is IconicState
+    bool stowlyHidden = false;          // carries our _STOWLY_HIDDEN mark
+    bool transient = false;             // has WM_TRANSIENT_FOR
+    bool supportsDelete = false;        // WM_PROTOCOLS lists WM_DELETE_WINDOW
+    std::optional<std::string> wmClassInstance;   // UTF-8
+    std::optional<std::string> wmClassClass;      // UTF-8
+    std::optional<std::string> gtkApplicationId;
+    std::optional<std::string> kdeDesktopFile;
+    std::optional<std::string> title;             // UTF-8
+    AppIconRef icon;
+
+    bool hasState(xcb_atom_t atom) const;
+    bool isMinimized(const XConnection& x) const;   // WM_STATE Iconic or _NET_WM_STATE_HIDDEN
+};
+
+struct WindowSnapshot {
+    bool connected = false;
+    std::uint64_t generation = 0;
+    std::vector<ClientWindow> windows;            // _NET_CLIENT_LIST order
+    std::vector<xcb_window_t> stacking;           // _NET_CLIENT_LIST_STACKING, bottom to top
+    xcb_window_t activeWindow = 0;
+    std::chrono::steady_clock::time_point takenAt;
+};
+
+// Icons decoded once per window and kept while the window is listed: icons rarely change
+// and _NET_WM_ICON is by far the largest property a client carries.
+class IconCache {
+public:
+    bool contains(xcb_window_t window) const { return m_icons.count(window) != 0; }
+    AppIconRef get(xcb_window_t window) const;
+    void put(xcb_window_t window, AppIconRef icon) { m_icons[window] = std::move(icon); }
+    void keepOnly(const std::vector<ClientWindow>& windows);
+    void clear() { m_icons.clear(); }
+
+private:
+    std::unordered_map<xcb_window_t, AppIconRef> m_icons;
+};
+
+// Reads the client list and then every property of every client window in exactly two
+// round trips: all requests of a stage are sent before the first reply is awaited.
+// Icons are read only for windows missing from `icons` (when given).
+std::shared_ptr<const WindowSnapshot> takeWindowSnapshot(XConnection& x, IconCache* icons);
+
+// The icon size we look for: twice the 24-point size the panel draws.
+inline constexpr int kWantedIconSize = 48;
+
+} // namespace stowly::x11

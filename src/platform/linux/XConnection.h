@@ -1,0 +1,99 @@
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+namespace stowly::x11 {
+
+// The atoms this backend uses, interned together on every (re)connection.
+enum class Atom : int {
+    NET_SUPPORTED,
+    NET_SUPPORTING_WM_CHECK,
+    NET_CLIENT_LIST,
+    NET_CLIENT_LIST_STACKING,
+    NET_ACTIVE_WINDOW,
+    NET_CLOSE_WINDOW,
+    NET_WM_PID,
+    NET_WM_NAME,
+    NET_WM_ICON,
+    NET_WM_WINDOW_TYPE,
+    NET_WM_WINDOW_TYPE_NORMAL,
+    NET_WM_WINDOW_TYPE_DIALOG,
+    NET_WM_WINDOW_TYPE_UTILITY,
+    NET_WM_WINDOW_TYPE_TOOLBAR,
+    NET_WM_WINDOW_TYPE_MENU,
+    NET_WM_WINDOW_TYPE_SPLASH,
+    NET_WM_WINDOW_TYPE_DESKTOP,
+    NET_WM_WINDOW_TYPE_DOCK,
+    NET_WM_STATE,
+    NET_WM_STATE_SKIP_TASKBAR,
+    NET_WM_STATE_HIDDEN,
+    WM_STATE,
+    WM_CHANGE_STATE,
+    WM_PROTOCOLS,
+    WM_DELETE_WINDOW,
+    UTF8_STRING,
+    GTK_APPLICATION_ID,
+    KDE_NET_WM_DESKTOP_FILE,
+    STOWLY_HIDDEN,
+    STOWLY_TIMESTAMP,
+    Count
+};
+
+// One connection to the X server, shared by every X-backed service. It never lets an
+// X error end the program: replies are always fetched with an error out-parameter, and
+// errors of requests without replies are drained from the event queue and dropped.
+// A connection that broke is re-established on the next ensureConnected().
+class XConnection {
+public:
+    explicit XConnection(std::string displayName = {});   // empty: $DISPLAY
+    ~XConnection();
+    XConnection(const XConnection&) = delete;
+    XConnection& operator=(const XConnection&) = delete;
+
+    // True when usable; reconnects once if the previous connection broke.
+    bool ensureConnected();
+    bool isConnected() const;
+
+    xcb_connection_t* get() const { return m_connection; }
+    xcb_window_t root() const { return m_root; }
+    xcb_atom_t atom(Atom which) const { return m_atoms[static_cast<int>(which)]; }
+    bool hasResourceExtension() const { return m_hasRes; }
+    // Changes whenever a new connection replaces the old one: window ids of an older
+    // generation must not be used any more.
+    std::uint64_t generation() const { return m_generation; }
+
+    // Throws away queued events and asynchronous errors.
+    void drainEvents();
+    // A server round trip, so that everything sent so far has been processed.
+    bool sync();
+    // The server's current time, taken from a property change on our own helper window
+    // (one round trip). XCB_CURRENT_TIME when that fails.
+    xcb_timestamp_t serverTime();
+
+    // Counts the round trips this connection has waited for (for measurements).
+    std::uint64_t roundTrips() const { return m_roundTrips; }
+    void countRoundTrip() { ++m_roundTrips; }
+
+    // Sends a 32-bit client message to the root window, as EWMH and ICCCM ask for
+    // requests addressed to the window manager.
+    void sendToRoot(xcb_window_t window, Atom type, std::array<std::uint32_t, 5> data);
+
+private:
+    bool connect();
+    void disconnect();
+
+    std::string m_displayName;
+    xcb_connection_t* m_connection = nullptr;
+    xcb_window_t m_root = 0;
+    xcb_window_t m_helper = 0;
+    bool m_hasRes = false;
+    std::uint64_t m_generation = 0;
+    std::uint64_t m_roundTrips = 0;
+    std::array<xcb_atom_t, static_cast<int>(Atom::Count)> m_atoms{};
+};
+
+} // namespace stowly::x11
