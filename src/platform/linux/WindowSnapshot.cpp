@@ -157,7 +157,11 @@ std::shared_ptr<const WindowSnapshot> takeWindowSnapshot(XConnection& x, IconCac
     if (active.type == XCB_ATOM_WINDOW && !active.longs().empty())
         snapshot->activeWindow = active.longs().front();
 
-    // Stage 2: every property of every window, sent before any reply is read.
+    // Stage 2: every property of every window, sent before any reply is read. The event
+    // selections go first, so that any change after our reads is reported to us.
+    for (const ClientWindow& w : snapshot->windows)
+        x.watchWindow(w.id);
+    snapshot->serial = x.eventSerial();
     std::vector<WindowCookies> cookies(snapshot->windows.size());
     for (std::size_t i = 0; i < snapshot->windows.size(); ++i) {
         const xcb_window_t w = snapshot->windows[i].id;
@@ -277,9 +281,36 @@ std::shared_ptr<const WindowSnapshot> takeWindowSnapshot(XConnection& x, IconCac
     x.countRoundTrip();
     if (icons != nullptr)
         icons->keepOnly(snapshot->windows);
-    if (!x.isConnected())
+    if (!x.isConnected()) {
         snapshot->connected = false;
+        return snapshot;
+    }
+    std::vector<xcb_window_t> listed;
+    listed.reserve(snapshot->windows.size());
+    for (const ClientWindow& w : snapshot->windows)
+        listed.push_back(w.id);
+    x.forgetWindowsExcept(listed);
+    x.setLatestSnapshot(snapshot);
     return snapshot;
+}
+
+std::shared_ptr<const WindowSnapshot> windowSnapshotFor(XConnection& x, std::int32_t pid)
+{
+    if (x.ensureConnected()) {
+        x.drainEvents();
+        const auto latest = x.latestSnapshot();
+        if (latest && latest->connected && latest->generation == x.generation() &&
+            !x.clientListChangedSince(latest->serial)) {
+            const bool unchanged = std::none_of(latest->windows.begin(), latest->windows.end(),
+                                                [&](const ClientWindow& w) {
+                                                    return w.pid == pid &&
+                                                           (w.vanished || x.windowChangedSince(w.id, latest->serial));
+                                                });
+            if (unchanged)
+                return latest;
+        }
+    }
+    return takeWindowSnapshot(x, nullptr);
 }
 
 } // namespace stowly::x11

@@ -103,6 +103,7 @@ bool XConnection::connect()
     m_connection = c;
     m_root = screens.data->root;
     ++m_generation;
+    resetTracking();
 
     // Atoms and the X-Resource version in one round trip.
     std::array<xcb_intern_atom_cookie_t, static_cast<int>(Atom::Count)> cookies{};
@@ -143,6 +144,10 @@ bool XConnection::connect()
 
     // An unmapped input-only window of our own: it is no client of the window manager,
     // it only lets us read the server's clock from a PropertyNotify.
+    // Root property changes tell us when the client list or _NET_SUPPORTED change.
+    const std::uint32_t rootMask = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_change_window_attributes(c, m_root, XCB_CW_EVENT_MASK, &rootMask);
+
     m_helper = xcb_generate_id(c);
     const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
     xcb_create_window(c, XCB_COPY_FROM_PARENT, m_helper, m_root, -1, -1, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
@@ -165,14 +170,112 @@ void XConnection::disconnect()
     m_connection = nullptr;
     m_helper = 0;
     m_root = 0;
+    resetTracking();
+}
+
+void XConnection::resetTracking()
+{
+    // Nothing learnt on another connection holds on this one.
+    ++m_serial;
+    m_clientListChangedAt = m_serial;
+    m_watched.clear();
+    m_latestSnapshot.reset();
+    m_wmSupportsClose.reset();
+    m_lastServerTime = XCB_CURRENT_TIME;
 }
 
 void XConnection::drainEvents()
 {
     if (m_connection == nullptr)
         return;
-    while (xcb_generic_event_t* event = xcb_poll_for_event(m_connection))
+    while (xcb_generic_event_t* event = xcb_poll_for_event(m_connection)) {
+        handleEvent(event);
         std::free(event);
+    }
+}
+
+void XConnection::handleEvent(const xcb_generic_event_t* event)
+{
+    const std::uint8_t type = event->response_type & 0x7f;
+    if (type == 0) {
+        const auto* error = reinterpret_cast<const xcb_generic_error_t*>(event);
+        if (error->error_code == XCB_WINDOW) {
+            // A window we asked about is gone: stop vouching for it.
+            m_watched.erase(error->resource_id);
+            ++m_serial;
+        }
+        return;
+    }
+    auto changed = [this](xcb_window_t window) {
+        const auto it = m_watched.find(window);
+        if (it != m_watched.end())
+            it->second = ++m_serial;
+    };
+    switch (type) {
+    case XCB_PROPERTY_NOTIFY: {
+        const auto* notify = reinterpret_cast<const xcb_property_notify_event_t*>(event);
+        m_lastServerTime = notify->time;
+        m_lastServerTimeAt = std::chrono::steady_clock::now();
+        if (notify->window == m_root) {
+            if (notify->atom == atom(Atom::NET_CLIENT_LIST))
+                m_clientListChangedAt = ++m_serial;
+            else if (notify->atom == atom(Atom::NET_SUPPORTED))
+                m_wmSupportsClose.reset();
+        } else {
+            changed(notify->window);
+        }
+        break;
+    }
+    case XCB_DESTROY_NOTIFY: {
+        const auto* notify = reinterpret_cast<const xcb_destroy_notify_event_t*>(event);
+        if (m_watched.erase(notify->window) != 0)
+            ++m_serial;
+        break;
+    }
+    case XCB_UNMAP_NOTIFY:
+        changed(reinterpret_cast<const xcb_unmap_notify_event_t*>(event)->window);
+        break;
+    case XCB_MAP_NOTIFY:
+        changed(reinterpret_cast<const xcb_map_notify_event_t*>(event)->window);
+        break;
+    default:
+        break;   // moves, resizes and the rest change nothing we describe
+    }
+}
+
+bool XConnection::windowChangedSince(xcb_window_t window, std::uint64_t serial) const
+{
+    const auto it = m_watched.find(window);
+    return it == m_watched.end() || it->second > serial;
+}
+
+void XConnection::watchWindow(xcb_window_t window)
+{
+    if (!isConnected() || m_watched.count(window) != 0)
+        return;
+    // Our own event mask on another client's window: it changes nothing for that client.
+    const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(m_connection, window, XCB_CW_EVENT_MASK, &mask);
+    m_watched.emplace(window, ++m_serial);
+}
+
+void XConnection::forgetWindowsExcept(const std::vector<xcb_window_t>& listed)
+{
+    if (m_watched.size() <= listed.size())
+        return;
+    std::unordered_map<xcb_window_t, std::uint64_t> kept;
+    for (const xcb_window_t window : listed)
+        if (const auto it = m_watched.find(window); it != m_watched.end())
+            kept.emplace(*it);
+    m_watched.swap(kept);
+}
+
+xcb_timestamp_t XConnection::recentServerTime(std::chrono::milliseconds maxAge)
+{
+    drainEvents();
+    if (m_lastServerTime != XCB_CURRENT_TIME && std::chrono::steady_clock::now() - m_lastServerTimeAt <= maxAge)
+        return m_lastServerTime;
+    return serverTime();
 }
 
 bool XConnection::sync()
@@ -206,6 +309,7 @@ xcb_timestamp_t XConnection::serverTime()
             if (notify->window == m_helper && notify->atom == property)
                 time = notify->time;
         }
+        handleEvent(event);
         std::free(event);
     }
     return time;
