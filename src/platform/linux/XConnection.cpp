@@ -61,6 +61,10 @@ void ignoreSigpipeUnlessHandled()
 XConnection::XConnection(std::string displayName) : m_displayName(std::move(displayName))
 {
     ignoreSigpipeUnlessHandled();
+    // Pin the display now: a reconnection must reach the same server.
+    if (m_displayName.empty())
+        if (const char* display = std::getenv("DISPLAY"))
+            m_displayName = display;
     connect();
 }
 

@@ -1,0 +1,50 @@
+#include "TestBed.h"
+
+#include <QCoreApplication>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace {
+
+// One private display for the whole run; torn down by gtest on every normal exit, and by
+// the kernel (PR_SET_PDEATHSIG) should this process crash.
+class DisplayEnvironment : public ::testing::Environment {
+public:
+    void SetUp() override
+    {
+        m_display = std::make_unique<stowly::testbed::Display>();
+        ASSERT_TRUE(m_display->ok()) << "could not start Xvfb with openbox";
+        s_display = m_display.get();
+    }
+    void TearDown() override
+    {
+        s_display = nullptr;
+        m_display.reset();
+    }
+    static stowly::testbed::Display* s_display;
+
+private:
+    std::unique_ptr<stowly::testbed::Display> m_display;
+};
+
+stowly::testbed::Display* DisplayEnvironment::s_display = nullptr;
+
+} // namespace
+
+namespace stowly::testbed {
+Display& sharedDisplay()
+{
+    return *DisplayEnvironment::s_display;
+}
+} // namespace stowly::testbed
+
+int main(int argc, char** argv)
+{
+    stowly::testbed::prepareEnvironment(STOWLY_TEST_BUILD_DIR);
+    QCoreApplication app(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    ::testing::AddGlobalTestEnvironment(new DisplayEnvironment);
+    return RUN_ALL_TESTS();
+}
