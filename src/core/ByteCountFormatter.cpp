@@ -22,7 +22,10 @@ constexpr std::array<Unit, 6> kUnits{{
 QString groupedNumber(double value, int fractionDigits)
 {
     static const QLocale english(QLocale::English, QLocale::UnitedStates);
-    QString text = english.toString(value, 'f', fractionDigits);
+    // Ties round to even, as a number formatter does by default: 2.5 KB reads "2 KB".
+    const double scale = std::pow(10.0, fractionDigits);
+    const double rounded = std::nearbyint(value * scale) / scale;
+    QString text = english.toString(rounded, 'f', fractionDigits);
     // Fraction digits are not zero-padded: "1.5 MB", "1 MB".
     if (fractionDigits > 0) {
         while (text.endsWith(QLatin1Char('0')))
@@ -49,14 +52,11 @@ QString formatMemoryByteCount(std::int64_t byteCount)
         return sign + groupedNumber(magnitude, 0) + (count == 1 ? QStringLiteral(" byte") : QStringLiteral(" bytes"));
     }
 
-    // Climb while the value, as it will be shown, still reaches 1,024 of the current unit,
-    // so that 1,048,575 bytes reads "1 MB" rather than "1,024 KB".
+    // The unit follows the raw count alone, as the formatter does: just under 1 MB still
+    // reads in KB ("1,024 KB" for 1,048,575 bytes).
     double value = magnitude / 1024.0;
     std::size_t unit = 0;
-    while (unit + 1 < kUnits.size()) {
-        const double scale = std::pow(10.0, kUnits[unit].fractionDigits);
-        if (std::round(value * scale) / scale < 1024.0)
-            break;
+    while (unit + 1 < kUnits.size() && value >= 1024.0) {
         value /= 1024.0;
         ++unit;
     }

@@ -169,6 +169,7 @@ std::vector<std::int32_t> FakeProcessTable::listing() const
 
 int FakeProcessTable::listAllPids(std::int32_t* buffer, int bufferSize)
 {
+    ++listAllPidsCalls;
     const auto pids = listing();
     if (!buffer)
         return countAnswer.value_or(static_cast<int>(pids.size()));

@@ -142,6 +142,7 @@ public:
     std::optional<int> countAnswer;              // overrides the no-buffer count
     std::optional<int> listAnswer;               // overrides the filled count
     std::vector<std::int32_t> extraListedPids;   // listed but unknown (e.g. 0)
+    int listAllPidsCalls = 0;                    // both forms: count and fill
 
     FakeProcess& add(std::int32_t pid, std::optional<std::string> name, std::uint64_t footprint);
 

@@ -1,0 +1,33 @@
+// The platform headers come first: see MacAccessibility.mm.
+#include "MacPlatform.h"
+
+#include "MacAccessibility.h"
+#include "MacLoginItemService.h"
+#include "MacPreferenceStore.h"
+#include "MacProcessTable.h"
+#include "MacUrlOpener.h"
+#include "MacWorkspace.h"
+
+namespace stowly::macos {
+
+struct MacPlatform::Services {
+    MacWorkspace workspace;
+    MacAccessibility accessibility;
+    MacAccessibilityTrust trust;
+    MacProcessTable processTable;
+    MacLoginItemService loginItems;
+    MacUrlOpener urlOpener;
+    MacPreferenceStore preferences;
+};
+
+MacPlatform::MacPlatform()
+    : m_services(std::make_unique<Services>())
+    , m_platform{m_services->workspace,    m_services->accessibility, m_services->trust,
+                 m_services->processTable, m_services->loginItems,    m_services->urlOpener,
+                 m_services->preferences}
+{
+}
+
+MacPlatform::~MacPlatform() = default;
+
+} // namespace stowly::macos
