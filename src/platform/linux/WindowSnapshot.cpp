@@ -297,9 +297,9 @@ std::shared_ptr<const WindowSnapshot> takeWindowSnapshot(XConnection& x, IconCac
 std::shared_ptr<const WindowSnapshot> windowSnapshotFor(XConnection& x, std::int32_t pid)
 {
     if (x.ensureConnected()) {
-        x.drainEvents();
+        x.drainEvents();   // also notices a server that went away
         const auto latest = x.latestSnapshot();
-        if (latest && latest->connected && latest->generation == x.generation() &&
+        if (x.isConnected() && latest && latest->connected && latest->generation == x.generation() &&
             !x.clientListChangedSince(latest->serial)) {
             const bool unchanged = std::none_of(latest->windows.begin(), latest->windows.end(),
                                                 [&](const ClientWindow& w) {
