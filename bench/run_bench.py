@@ -257,7 +257,7 @@ class Runner:
     def step_our_refresh(self, s):
         if not self.have_backend:
             return
-        times, counters = self.ours("^(runningApps|refreshSnapshot)$", f"--fast_reps={self.args.fast_reps}")
+        times, counters = self.ours("^(runningApps|refreshSnapshot)/", f"--fast_reps={self.args.fast_reps}")
         s["runningApps"] = statistics.median(times["runningApps"])
         s["refreshSnapshot"] = statistics.median(times["refreshSnapshot"])
         s["apps"] = counters.get("refreshSnapshot.apps", [0])[-1]
@@ -275,7 +275,7 @@ class Runner:
     def step_our_minimize(self, s):
         if not self.have_backend:
             return
-        times, counters = self.ours("^minimizeAllWindows$", f"--window_reps={self.args.window_reps}")
+        times, counters = self.ours("^minimizeAllWindows/", f"--window_reps={self.args.window_reps}")
         s["minimize_applied"] = statistics.median(times["minimizeAllWindows"])
         s["minimize_ours"] = statistics.median(counters["minimizeAllWindows.ours_us"])
 
@@ -288,7 +288,7 @@ class Runner:
         for _ in range(self.args.close_reps):
             self.bed.set_xterms(TARGETS)
             time.sleep(0.2)
-            times, counters = self.ours("^closeAllWindows$")
+            times, counters = self.ours("^closeAllWindows/")
             samples.append({"applied": times["closeAllWindows"][0], "ours": counters["closeAllWindows.ours_us"][0]})
         self.bed.set_xterms(TARGETS)
         return samples
