@@ -69,6 +69,7 @@ public:
 private:
     struct AppTable {
         std::shared_ptr<const WindowSnapshot> snapshot;
+        std::chrono::steady_clock::time_point builtAt;   // a reused snapshot may be older
         std::vector<RunningApplicationRef> apps;   // first-listed window order
         std::unordered_map<std::int32_t, RunningApplicationRef> byPid;
     };

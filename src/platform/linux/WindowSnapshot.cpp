@@ -290,8 +290,25 @@ std::shared_ptr<const WindowSnapshot> takeWindowSnapshot(XConnection& x, IconCac
     for (const ClientWindow& w : snapshot->windows)
         listed.push_back(w.id);
     x.forgetWindowsExcept(listed);
+    snapshot->withIcons = icons != nullptr;
     x.setLatestSnapshot(snapshot);
     return snapshot;
+}
+
+std::shared_ptr<const WindowSnapshot> currentWindowSnapshot(XConnection& x, IconCache& icons)
+{
+    if (x.ensureConnected()) {
+        x.drainEvents();   // also notices a server that went away
+        const auto latest = x.latestSnapshot();
+        if (x.isConnected() && latest && latest->connected && latest->withIcons &&
+            latest->generation == x.generation() && !x.clientListChangedSince(latest->serial) &&
+            !x.rootStateChangedSince(latest->serial) &&
+            std::none_of(latest->windows.begin(), latest->windows.end(), [&](const ClientWindow& w) {
+                return w.vanished || x.windowChangedSince(w.id, latest->serial);
+            }))
+            return latest;
+    }
+    return takeWindowSnapshot(x, &icons);
 }
 
 std::shared_ptr<const WindowSnapshot> windowSnapshotFor(XConnection& x, std::int32_t pid)

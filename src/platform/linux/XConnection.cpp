@@ -182,6 +182,7 @@ void XConnection::resetTracking()
     // Nothing learnt on another connection holds on this one.
     ++m_serial;
     m_clientListChangedAt = m_serial;
+    m_rootStateChangedAt = m_serial;
     m_watched.clear();
     m_latestSnapshot.reset();
     m_wmSupportsClose.reset();
@@ -223,6 +224,8 @@ void XConnection::handleEvent(const xcb_generic_event_t* event)
         if (notify->window == m_root) {
             if (notify->atom == atom(Atom::NET_CLIENT_LIST))
                 m_clientListChangedAt = ++m_serial;
+            else if (notify->atom == atom(Atom::NET_ACTIVE_WINDOW) || notify->atom == atom(Atom::NET_CLIENT_LIST_STACKING))
+                m_rootStateChangedAt = ++m_serial;
             else if (notify->atom == atom(Atom::NET_SUPPORTED))
                 m_wmSupportsClose.reset();
         } else {

@@ -81,6 +81,8 @@ public:
     // serial it was taken at and is still exact for what has not changed since.
     std::uint64_t eventSerial() const { return m_serial; }
     bool clientListChangedSince(std::uint64_t serial) const { return m_clientListChangedAt > serial; }
+    // _NET_ACTIVE_WINDOW or _NET_CLIENT_LIST_STACKING changed.
+    bool rootStateChangedSince(std::uint64_t serial) const { return m_rootStateChangedAt > serial; }
     // True for a window we do not watch: nothing is known about it.
     bool windowChangedSince(xcb_window_t window, std::uint64_t serial) const;
     // A watched window exists as far as the server has told us: its destruction (or a
@@ -132,6 +134,7 @@ private:
 
     std::uint64_t m_serial = 0;
     std::uint64_t m_clientListChangedAt = 0;
+    std::uint64_t m_rootStateChangedAt = 0;
     std::unordered_map<xcb_window_t, std::uint64_t> m_watched;   // window -> serial of its last change
     std::shared_ptr<const WindowSnapshot> m_latestSnapshot;
     std::optional<bool> m_wmSupportsClose;
