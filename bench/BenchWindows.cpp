@@ -7,7 +7,7 @@
 //   stowly_bench_windows wait-class CLASS COUNT [SECONDS]   wait until COUNT clients of that
 //        WM_CLASS are listed; prints how many are; exit status 1 on timeout.
 //   stowly_bench_windows clients      print the number of clients in _NET_CLIENT_LIST.
-//   stowly_bench_windows idle COUNT   keep COUNT idle child processes (to grow the process
+//   stowly_bench_windows idle COUNT   keep COUNT idle sleep processes (to grow the process
 //        table), print "ready", and end them all when terminated or when our parent dies.
 
 #include "DisplayObserver.h"
@@ -143,10 +143,13 @@ int keepIdleProcesses(int count)
     for (int i = 0; i < count && !g_stop; ++i) {
         const pid_t child = fork();
         if (child == 0) {
+            // A plain sleep, as an idle process of any desktop looks; the death signal
+            // survives the exec.
             prctl(PR_SET_PDEATHSIG, SIGKILL);
             signal(SIGTERM, SIG_DFL);
             if (getppid() == 1)
                 _exit(0);
+            execlp("sleep", "sleep", "infinity", static_cast<char*>(nullptr));
             for (;;)
                 pause();
         }
