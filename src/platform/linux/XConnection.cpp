@@ -2,6 +2,7 @@
 
 #include <xcb/res.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
@@ -211,11 +212,6 @@ void XConnection::handleEvent(const xcb_generic_event_t* event)
         }
         return;
     }
-    auto changed = [this](xcb_window_t window) {
-        const auto it = m_watched.find(window);
-        if (it != m_watched.end())
-            it->second = ++m_serial;
-    };
     switch (type) {
     case XCB_PROPERTY_NOTIFY: {
         const auto* notify = reinterpret_cast<const xcb_property_notify_event_t*>(event);
@@ -228,8 +224,14 @@ void XConnection::handleEvent(const xcb_generic_event_t* event)
                 m_rootStateChangedAt = ++m_serial;
             else if (notify->atom == atom(Atom::NET_SUPPORTED))
                 m_wmSupportsClose.reset();
-        } else {
-            changed(notify->window);
+        } else if (const auto it = m_watched.find(notify->window); it != m_watched.end()) {
+            auto& changes = it->second.changes;
+            const auto entry = std::find_if(changes.begin(), changes.end(),
+                                            [&](const auto& change) { return change.first == notify->atom; });
+            if (entry != changes.end())
+                entry->second = ++m_serial;
+            else
+                changes.emplace_back(notify->atom, ++m_serial);
         }
         break;
     }
@@ -239,21 +241,20 @@ void XConnection::handleEvent(const xcb_generic_event_t* event)
             ++m_serial;
         break;
     }
-    case XCB_UNMAP_NOTIFY:
-        changed(reinterpret_cast<const xcb_unmap_notify_event_t*>(event)->window);
-        break;
-    case XCB_MAP_NOTIFY:
-        changed(reinterpret_cast<const xcb_map_notify_event_t*>(event)->window);
-        break;
     default:
-        break;   // moves, resizes and the rest change nothing we describe
+        break;   // mapping, moves, resizes and the rest change no property we read
     }
 }
 
-bool XConnection::windowChangedSince(xcb_window_t window, std::uint64_t serial) const
+bool XConnection::propertyChangedSince(xcb_window_t window, xcb_atom_t property, std::uint64_t serial) const
 {
     const auto it = m_watched.find(window);
-    return it == m_watched.end() || it->second > serial;
+    if (it == m_watched.end() || it->second.since > serial)
+        return true;
+    for (const auto& [atom, changedAt] : it->second.changes)
+        if (atom == property)
+            return changedAt > serial;
+    return false;
 }
 
 void XConnection::watchWindow(xcb_window_t window)
@@ -263,17 +264,17 @@ void XConnection::watchWindow(xcb_window_t window)
     // Our own event mask on another client's window: it changes nothing for that client.
     const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(m_connection, window, XCB_CW_EVENT_MASK, &mask);
-    m_watched.emplace(window, ++m_serial);
+    m_watched.emplace(window, Watch{++m_serial, {}});
 }
 
 void XConnection::forgetWindowsExcept(const std::vector<xcb_window_t>& listed)
 {
     if (m_watched.size() <= listed.size())
         return;
-    std::unordered_map<xcb_window_t, std::uint64_t> kept;
+    std::unordered_map<xcb_window_t, Watch> kept;
     for (const xcb_window_t window : listed)
         if (const auto it = m_watched.find(window); it != m_watched.end())
-            kept.emplace(*it);
+            kept.emplace(it->first, std::move(it->second));
     m_watched.swap(kept);
 }
 

@@ -83,8 +83,9 @@ public:
     bool clientListChangedSince(std::uint64_t serial) const { return m_clientListChangedAt > serial; }
     // _NET_ACTIVE_WINDOW or _NET_CLIENT_LIST_STACKING changed.
     bool rootStateChangedSince(std::uint64_t serial) const { return m_rootStateChangedAt > serial; }
-    // True for a window we do not watch: nothing is known about it.
-    bool windowChangedSince(xcb_window_t window, std::uint64_t serial) const;
+    // True for a window we do not watch (nothing is known about it), or whose property
+    // changed after `serial`.
+    bool propertyChangedSince(xcb_window_t window, xcb_atom_t property, std::uint64_t serial) const;
     // A watched window exists as far as the server has told us: its destruction (or a
     // BadWindow for it) would have ended the watch.
     bool isWatched(xcb_window_t window) const { return m_watched.count(window) != 0; }
@@ -135,7 +136,11 @@ private:
     std::uint64_t m_serial = 0;
     std::uint64_t m_clientListChangedAt = 0;
     std::uint64_t m_rootStateChangedAt = 0;
-    std::unordered_map<xcb_window_t, std::uint64_t> m_watched;   // window -> serial of its last change
+    struct Watch {
+        std::uint64_t since = 0;   // serial at which the events were selected
+        std::vector<std::pair<xcb_atom_t, std::uint64_t>> changes;   // property -> serial of its last change
+    };
+    std::unordered_map<xcb_window_t, Watch> m_watched;
     std::shared_ptr<const WindowSnapshot> m_latestSnapshot;
     std::optional<bool> m_wmSupportsClose;
     xcb_timestamp_t m_lastServerTime = XCB_CURRENT_TIME;
