@@ -194,9 +194,13 @@ void XConnection::drainEvents()
 {
     if (m_connection == nullptr)
         return;
-    while (xcb_generic_event_t* event = xcb_poll_for_event(m_connection)) {
+    // One read of the socket, then what it brought: reading again until it runs dry would
+    // cost a system call more per drain and only pick up events sent meanwhile.
+    xcb_generic_event_t* event = xcb_poll_for_event(m_connection);
+    while (event != nullptr) {
         handleEvent(event);
         std::free(event);
+        event = xcb_poll_for_queued_event(m_connection);
     }
 }
 
