@@ -195,12 +195,21 @@ void XConnection::drainEvents()
     if (m_connection == nullptr)
         return;
     // One read of the socket, then what it brought: reading again until it runs dry would
-    // cost a system call more per drain and only pick up events sent meanwhile.
-    xcb_generic_event_t* event = xcb_poll_for_event(m_connection);
-    while (event != nullptr) {
-        handleEvent(event);
-        std::free(event);
-        event = xcb_poll_for_queued_event(m_connection);
+    // cost a system call more per drain and only pick up events sent meanwhile. A read that
+    // brought a full buffer (xcb reads 4 KiB, 128 events, at a time) may have left older
+    // events behind, so then the socket is read again.
+    constexpr int kEventsPerRead = 4096 / 32;
+    for (;;) {
+        int count = 0;
+        xcb_generic_event_t* event = xcb_poll_for_event(m_connection);
+        while (event != nullptr) {
+            handleEvent(event);
+            std::free(event);
+            ++count;
+            event = xcb_poll_for_queued_event(m_connection);
+        }
+        if (count < kEventsPerRead)
+            return;
     }
 }
 
