@@ -230,6 +230,7 @@ class Runner:
         bed.set_extra_windows(windows - TARGETS)
         actual_processes = bed.set_processes(processes)
         actual_windows = bed.window_count()
+        time.sleep(2)   # let the new clients finish starting before anything is timed
         log(f"configuration: {actual_processes} processes, {actual_windows} windows")
         rounds = []
         for r in range(self.args.rounds):
@@ -294,21 +295,25 @@ class Runner:
         return samples
 
     # -- at rest ---------------------------------------------------------------------
-    def at_rest(self, seconds):
+    def at_rest(self, seconds, program=None):
+        """CPU and resident memory of the idle program with 20 apps open, over `seconds`."""
         bed = self.bed
         bed.set_extra_windows(0)
         bed.set_xterms(20)
         bed.set_processes(200)
-        program = os.path.join(self.build, "src", "app", "stowly")
-        what = "stowly (panel closed)"
-        if not os.path.exists(program):
+        if program is None:
+            program = os.path.join(self.build, "src", "app", "stowly")
+        if os.path.exists(program):
+            what = f"{os.path.basename(program)} with its tray icon, panel closed"
+            # The program's tray icon needs a tray: tint2's default panel has one.
+            bed.others.append(bed.spawn(["tint2"]))
+            time.sleep(1)
+        else:
             program = os.path.join(self.build, "bench", "stowly_bench_host")
-            what = "minimal host: QCoreApplication + AppModel over the Linux backend"
-        env = dict(bed.env)
-        process = subprocess.Popen([program], env=env, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
-                                   stderr=subprocess.DEVNULL)
+            what = "minimal host (QCoreApplication + AppModel over the Linux backend; no stowly program was found)"
+        process = bed.spawn([program])
         bed.others.append(process)
-        time.sleep(3)   # start-up is not rest
+        time.sleep(5)   # start-up is not rest
         if process.poll() is not None:
             raise RuntimeError(f"{program} exited at once ({process.returncode})")
         ticks = os.sysconf("SC_CLK_TCK")
@@ -324,11 +329,14 @@ class Runner:
         status = open(f"/proc/{process.pid}/status").read()
         rss = int(re.search(r"VmRSS:\s+(\d+)", status).group(1))
         hwm = int(re.search(r"VmHWM:\s+(\d+)", status).group(1))
+        anon = int(re.search(r"RssAnon:\s+(\d+)", status).group(1))
         apps = len(bed.xterms)
-        bed.end(process)
-        bed.others.remove(process)
+        processes = process_count()
+        for other in list(bed.others):
+            bed.end(other)
+        bed.others = []
         return {"what": what, "seconds": t1 - t0, "cpu_percent": 100 * (c1 - c0) / (t1 - t0), "rss_kb": rss,
-                "hwm_kb": hwm, "apps": apps, "processes": process_count()}
+                "hwm_kb": hwm, "anon_kb": anon, "apps": apps, "processes": processes}
 
 
 # -- the table ---------------------------------------------------------------------------
@@ -397,9 +405,10 @@ def build_table(results, rest):
                   "| Operation | Windows | Processes | Ours per process | Floor per process | Ours / floor |",
                   "|---|---|---|---|---|---|"] + growth
     if rest:
-        extra += ["", "At rest (" + rest["what"] + f", {rest['apps']} apps open, {rest['processes']} processes, "
+        extra += ["", "At rest (" + rest["what"] + f"; {rest['apps']} apps open, {rest['processes']} processes, "
                   f"{rest['seconds']:.0f} s): CPU {rest['cpu_percent']:.3f} % of one core; "
-                  f"resident {rest['rss_kb'] / 1024:.1f} MiB (peak {rest['hwm_kb'] / 1024:.1f} MiB)."]
+                  f"resident {rest['rss_kb'] / 1024:.1f} MiB, of it {rest['anon_kb'] / 1024:.1f} MiB private "
+                  f"(RssAnon), peak {rest['hwm_kb'] / 1024:.1f} MiB."]
     return "\n".join(lines + extra)
 
 
@@ -448,7 +457,7 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("build")
     parser.add_argument("--output", default=None, help="Markdown file to write the table into")
-    parser.add_argument("--rounds", type=int, default=3)
+    parser.add_argument("--rounds", type=int, default=5)
     parser.add_argument("--fast-reps", type=int, default=20)
     parser.add_argument("--window-reps", type=int, default=8)
     parser.add_argument("--command-reps", type=int, default=3)
@@ -456,6 +465,8 @@ def main():
     parser.add_argument("--processes", default="200,700")
     parser.add_argument("--windows", default="45,200")
     parser.add_argument("--rest-seconds", type=int, default=60)
+    parser.add_argument("--rest-program", default=None,
+                        help="the program to measure at rest (default: BUILD/src/app/stowly, else a minimal host)")
     parser.add_argument("--max-load", type=float, default=3.0)
     args = parser.parse_args()
 
@@ -481,7 +492,7 @@ def main():
             for p in plist:
                 results.append(runner.configuration(p, w))
         if args.rest_seconds > 0 and runner.have_backend:
-            rest = runner.at_rest(args.rest_seconds)
+            rest = runner.at_rest(args.rest_seconds, args.rest_program)
     finally:
         bed.stop()
 
