@@ -123,7 +123,9 @@ TEST_F(Backend, ElementsOfALostConnectionAnswerCannotComplete)
     x11::LinuxPlatform remote(other.name());
     Apps local;
     const int pid = local.startTestWindow("lost-connection window");
-    ASSERT_TRUE(waitUntil([&] { return !wmctrlWindows(other.name()).empty(); }, 15s));
+    ASSERT_TRUE(waitUntil([&] { return !wmctrlWindows(other.name()).empty(); }, 15s))
+        << other.name() << " " << sharedDisplay().name() << " pid alive " << !processGone(pid) << "\n"
+        << run("DISPLAY=" + other.name() + " wmctrl -lp 2>&1; DISPLAY=" + other.name() + " xprop -root 2>&1 | head -5");
     Accessibility& ax = remote.platform().accessibility;
     AXElementList windows;
     ASSERT_TRUE(waitUntil([&] {

@@ -71,7 +71,7 @@ static void usage(void)
 {
     fprintf(stderr,
             "stowly_testwin [--title T] [--class INSTANCE CLASS] [--type normal|dialog|utility|none]\n"
-            "  [--windows N] [--dialog] [--skip-taskbar] [--no-delete] [--no-pid] [--gtk-id ID]\n"
+            "  [--windows N] [--dialog] [--free-dialog] [--skip-taskbar] [--no-delete] [--no-pid] [--gtk-id ID]\n"
             "  [--icon N] [--huge-icon] [--garbage] [--alloc-mb M] [--child-alloc-mb M] [--churn]\n");
     exit(2);
 }
@@ -83,7 +83,7 @@ int main(int argc, char** argv)
     const char* klass = "StowlyTest";
     const char* type = "normal";
     const char* gtk_id = NULL;
-    int windows = 1, dialog = 0, skip_taskbar = 0, no_delete = 0, no_pid = 0, garbage = 0, huge_icon = 0, churn = 0;
+    int windows = 1, dialog = 0, free_dialog = 0, skip_taskbar = 0, no_delete = 0, no_pid = 0, garbage = 0, huge_icon = 0, churn = 0;
     uint32_t icon = 0;
     size_t alloc_mb = 0, child_alloc_mb = 0;
 
@@ -95,6 +95,7 @@ int main(int argc, char** argv)
         else if (!strcmp(a, "--type") && more) type = argv[++i];
         else if (!strcmp(a, "--windows") && more) windows = atoi(argv[++i]);
         else if (!strcmp(a, "--dialog")) dialog = 1;
+        else if (!strcmp(a, "--free-dialog")) dialog = free_dialog = 1;
         else if (!strcmp(a, "--skip-taskbar")) skip_taskbar = 1;
         else if (!strcmp(a, "--no-delete")) no_delete = 1;
         else if (!strcmp(a, "--no-pid")) no_pid = 1;
@@ -164,7 +165,7 @@ int main(int argc, char** argv)
             const uint32_t atom = intern(atom_name);
             set32(w, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM, &atom, 1);
         }
-        if (is_dialog)
+        if (is_dialog && !free_dialog)
             xcb_change_property(conn, XCB_PROP_MODE_REPLACE, w, XCB_ATOM_WM_TRANSIENT_FOR, XCB_ATOM_WINDOW, 32, 1,
                                 &ids[0]);
         if (skip_taskbar) {

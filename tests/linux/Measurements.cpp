@@ -1,0 +1,85 @@
+// Figures, not assertions: what one refresh costs on the test bed.
+
+#include "AppModel.h"
+#include "LinuxPlatform.h"
+#include "TestBed.h"
+#include "WindowMinimizer.h"
+#include "XConnection.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+
+using namespace stowly;
+using namespace stowly::testbed;
+
+namespace stowly::testbed {
+Display& sharedDisplay();
+}
+
+namespace {
+
+template <typename F>
+double medianMicroseconds(int runs, F&& f)
+{
+    std::vector<double> samples;
+    samples.reserve(static_cast<std::size_t>(runs));
+    for (int i = 0; i < runs; ++i) {
+        const auto start = std::chrono::steady_clock::now();
+        f();
+        samples.push_back(std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start).count());
+    }
+    std::sort(samples.begin(), samples.end());
+    return samples[samples.size() / 2];
+}
+
+} // namespace
+
+TEST(Measure, RefreshCost)
+{
+    ASSERT_TRUE(sharedDisplay().ok());
+    Apps apps;
+    for (int i = 0; i < 6; ++i)
+        apps.startXterm("measure-term-" + std::to_string(i));
+    for (int i = 0; i < 6; ++i)
+        apps.startTestWindow("measure-win-" + std::to_string(i), {"--windows", "3", "--icon", "48", "--class",
+                                                                  "measure" + std::to_string(i), "Measure" + std::to_string(i)});
+    apps.start({"xlogo", "-title", "measure-logo"});
+    ASSERT_TRUE(waitForWindowCount("measure-", 6 + 18 + 1, 30s));
+
+    x11::LinuxPlatform linux_;
+    Platform& p = linux_.platform();
+    WindowMinimizer minimizer(p.workspace, p.accessibility, p.processTable);
+    AppModel model(p);
+
+    const std::size_t windows = wmctrlWindows().size();
+    const int processes = p.processTable.listAllPids(nullptr, 0);
+    std::size_t apps_ = 0;
+
+    const std::uint64_t before = linux_.connection().roundTrips();
+    apps_ = minimizer.runningApps().size();
+    const std::uint64_t snapshotTrips = linux_.connection().roundTrips() - before;
+    const std::uint64_t beforeRefresh = linux_.connection().roundTrips();
+    model.refreshSnapshot();
+    const std::uint64_t refreshTrips = linux_.connection().roundTrips() - beforeRefresh;
+
+    const int runs = 200;
+    const double runningAppsUs = medianMicroseconds(runs, [&] { (void)minimizer.runningApps(); });
+    const double refreshUs = medianMicroseconds(runs, [&] { model.refreshSnapshot(); });
+    const double workspaceOnlyUs = medianMicroseconds(runs, [&] { (void)p.workspace.runningApplications(); });
+
+    std::printf("[measure] %d processes, %zu managed windows, %zu listed apps\n", processes, windows, apps_);
+    std::printf("[measure] WindowMinimizer::runningApps(): median %.0f us over %d runs, %llu X round trips\n",
+                runningAppsUs, runs, static_cast<unsigned long long>(snapshotTrips));
+    std::printf("[measure] AppModel::refreshSnapshot(): median %.0f us over %d runs, %llu X round trips\n", refreshUs,
+                runs, static_cast<unsigned long long>(refreshTrips));
+    std::printf("[measure] Workspace::runningApplications() alone: median %.0f us\n", workspaceOnlyUs);
+    RecordProperty("processes", processes);
+    RecordProperty("windows", static_cast<int>(windows));
+    RecordProperty("runningAppsMedianMicroseconds", static_cast<int>(runningAppsUs));
+    RecordProperty("refreshSnapshotMedianMicroseconds", static_cast<int>(refreshUs));
+    RecordProperty("snapshotRoundTrips", static_cast<int>(snapshotTrips));
+    EXPECT_GT(apps_, 0u);
+}
