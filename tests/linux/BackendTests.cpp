@@ -124,7 +124,11 @@ TEST_F(Backend, ElementsOfALostConnectionAnswerCannotComplete)
     Apps local;
     const int pid = local.startTestWindow("lost-connection window");
     ASSERT_TRUE(waitUntil([&] { return !wmctrlWindows(other.name()).empty(); }, 15s))
-        << other.name() << " " << sharedDisplay().name() << " pid alive " << !processGone(pid) << "\n"
+        << other.name() << " " << sharedDisplay().name() << " pid alive " << !processGone(pid)
+        << " wm alive " << !processGone(other.windowManagerPid()) << " shared wm alive "
+        << !processGone(sharedDisplay().windowManagerPid()) << "\n"
+        << run("tr '\\0' '\\n' < /proc/" + std::to_string(pid) + "/environ | grep DISPLAY") << "\n"
+        << run("wmctrl -lp") << "\n"
         << run("DISPLAY=" + other.name() + " wmctrl -lp 2>&1; DISPLAY=" + other.name() + " xprop -root 2>&1 | head -5");
     Accessibility& ax = remote.platform().accessibility;
     AXElementList windows;

@@ -136,36 +136,75 @@ std::string run(const std::string& command)
     return out;
 }
 
+namespace {
+
+// Display numbers some X server already listens on, by filesystem or abstract socket.
+// Lock files alone do not tell: another sandbox may have its own /tmp but share our
+// abstract socket namespace, and clients try the abstract socket first.
+std::set<int> displaysInUse()
+{
+    std::set<int> used;
+    std::ifstream sockets("/proc/net/unix");
+    std::string line;
+    const std::string marker = "/tmp/.X11-unix/X";
+    while (std::getline(sockets, line)) {
+        const auto at = line.find(marker);
+        if (at != std::string::npos)
+            used.insert(std::atoi(line.c_str() + at + marker.size()));
+    }
+    for (int n = 0; n < 1000; ++n) {
+        struct stat st {};
+        if (stat(("/tmp/.X" + std::to_string(n) + "-lock").c_str(), &st) == 0)
+            used.insert(n);
+    }
+    return used;
+}
+
+} // namespace
+
 Display::Display(bool withWindowManager)
 {
-    int fds[2];
-    if (pipe(fds) != 0)
-        return;
-    const std::string fd = std::to_string(fds[1]);
-    const pid_t parent = getpid();
-    m_xvfb = fork();
-    if (m_xvfb == 0) {
-        prctl(PR_SET_PDEATHSIG, SIGKILL);
-        if (getppid() != parent)
+    const std::set<int> used = displaysInUse();
+    int candidate = 100 + static_cast<int>(getpid() % 700);
+    for (int attempt = 0; attempt < 20 && m_name.empty(); ++attempt, ++candidate) {
+        while (used.count(candidate) != 0)
+            ++candidate;
+        int fds[2];
+        if (pipe(fds) != 0)
+            return;
+        const std::string fd = std::to_string(fds[1]);
+        const std::string display = ":" + std::to_string(candidate);
+        const pid_t parent = getpid();
+        m_xvfb = fork();
+        if (m_xvfb == 0) {
+            prctl(PR_SET_PDEATHSIG, SIGKILL);
+            if (getppid() != parent)
+                _exit(127);
+            close(fds[0]);
+            const int null = open("/dev/null", O_WRONLY);
+            dup2(null, 1);
+            dup2(null, 2);
+            execlp("Xvfb", "Xvfb", display.c_str(), "-displayfd", fd.c_str(), "-nolisten", "tcp", "-screen", "0",
+                   "1280x800x24", static_cast<char*>(nullptr));
             _exit(127);
+        }
+        close(fds[1]);
+        std::string number;
+        char ch;
+        // Xvfb writes the display number and a newline once it accepts connections, and
+        // closes the pipe without a word when it cannot take that display.
+        while (read(fds[0], &ch, 1) == 1 && ch != '\n')
+            number += ch;
         close(fds[0]);
-        const int null = open("/dev/null", O_WRONLY);
-        dup2(null, 1);
-        dup2(null, 2);
-        execlp("Xvfb", "Xvfb", "-displayfd", fd.c_str(), "-nolisten", "tcp", "-screen", "0", "1280x800x24",
-               static_cast<char*>(nullptr));
-        _exit(127);
+        if (number.empty()) {
+            kill(m_xvfb);
+            m_xvfb = -1;
+            continue;
+        }
+        m_name = ":" + number;
     }
-    close(fds[1]);
-    std::string number;
-    char ch;
-    // Xvfb writes the display number and a newline once it accepts connections.
-    while (read(fds[0], &ch, 1) == 1 && ch != '\n')
-        number += ch;
-    close(fds[0]);
-    if (number.empty())
+    if (m_name.empty())
         return;
-    m_name = ":" + number;
     if (!withWindowManager) {
         m_ok = true;
         return;
@@ -174,8 +213,28 @@ Display::Display(bool withWindowManager)
     // The apps under test see only our own desktop entries; openbox needs the system's
     // data directories for its theme. `env` execs openbox, so the pid stays openbox's.
     m_wm = spawn({"env", "XDG_DATA_DIRS=/usr/local/share:/usr/share", "openbox", "--sm-disable"});
-    m_ok = waitUntil([&] { return xpropRoot("_NET_SUPPORTING_WM_CHECK").find("window id") != std::string::npos; },
-                     20s);
+    if (!waitUntil([&] { return xpropRoot("_NET_SUPPORTING_WM_CHECK").find("window id") != std::string::npos; }, 20s))
+        return;
+    // openbox announces itself before it handles map requests, and a window mapped in
+    // between stays unmapped for good: only a probe window it manages proves it ready.
+    for (int attempt = 0; attempt < 10 && !m_ok; ++attempt) {
+        const int probe = spawn({testWindowProgram(), "--title", "stowly-wm-probe"});
+        m_ok = waitUntil(
+            [&] {
+                for (const auto& w : wmctrlWindows())
+                    if (w.title == "stowly-wm-probe")
+                        return true;
+                return false;
+            },
+            3s);
+        kill(probe);
+    }
+    waitUntil([&] {
+        for (const auto& w : wmctrlWindows())
+            if (w.title == "stowly-wm-probe")
+                return false;
+        return true;
+    });
 }
 
 void Display::killServer()

@@ -1,0 +1,33 @@
+// Stowly: a tray utility that clears the desktop of other apps' windows.
+#include "AppModel.h"
+#include "LinuxPlatform.h"
+#include "NotifyingPreferenceStore.h"
+#include "StatusIcon.h"
+#include "StowlyViews.h"
+#include "TrayController.h"
+
+#include <QApplication>
+
+int main(int argc, char* argv[])
+{
+    // Widgets only for the tray icon; the panel and the settings window are Qt Quick.
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Stowly"));
+    QApplication::setOrganizationName(QStringLiteral("Stowly"));
+    QApplication::setWindowIcon(stowly::StatusIcon::icon());
+    // Closing the panel or the settings window never ends the program; Quit does.
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    stowly::x11::LinuxPlatform linux;
+    stowly::Platform& backend = linux.platform();
+    // Every preference write goes through one store that tells the views.
+    stowly::NotifyingPreferenceStore preferences(backend.preferences);
+    stowly::Platform platform{backend.workspace, backend.accessibility, backend.trust, backend.processTable,
+                              backend.loginItems,  backend.urlOpener,     preferences};
+
+    stowly::AppModel model(platform);
+    stowly::StowlyViews views(model, preferences);
+    stowly::TrayController tray(views);
+    tray.showTrayIcon();
+    return application.exec();
+}

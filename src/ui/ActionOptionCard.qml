@@ -1,0 +1,96 @@
+import QtQuick
+import QtQuick.Controls
+
+// A large clickable card for one action: its symbol on a tile, a check box, its short
+// title and card summary. Its look follows `isSelected` as given; a click only asks.
+Button {
+    id: card
+
+    // The action: {rawValue, shortTitle, cardSummary, systemImage}.
+    required property var option
+    property bool isSelected: false
+    signal select()
+
+    readonly property color accentAt006: Qt.rgba(theme.accent.r, theme.accent.g, theme.accent.b, 0.06)
+    readonly property color accentAt014: Qt.rgba(theme.accent.r, theme.accent.g, theme.accent.b, 0.14)
+    readonly property color cardBackground: isSelected ? accentAt006 : theme.controlBackground
+    readonly property color iconBackground: isSelected ? accentAt014 : theme.control
+    readonly property color iconForeground: isSelected ? theme.accent : theme.secondary
+    readonly property color borderColor: isSelected ? theme.accent : theme.separator
+    readonly property int borderWidth: isSelected ? 2 : 1
+
+    objectName: "actionCard_" + option.rawValue
+    text: option.shortTitle
+    padding: 18
+    hoverEnabled: false
+    implicitHeight: Math.max(180, implicitContentHeight + topPadding + bottomPadding)
+    onClicked: card.select()
+
+    Accessible.name: text
+    Accessible.description: option.cardSummary
+    Accessible.checkable: true
+    Accessible.checked: isSelected
+    Accessible.onPressAction: if (enabled) clicked()
+
+    background: Rectangle {
+        objectName: "cardBackground"
+        radius: 18
+        color: card.cardBackground
+        border.color: card.borderColor
+        border.width: card.borderWidth
+        antialiasing: true
+    }
+
+    contentItem: Column {
+        spacing: 14
+
+        Item {
+            width: parent.width
+            height: 52
+
+            Rectangle {
+                objectName: "cardIconTile"
+                width: 52
+                height: 52
+                radius: 12
+                color: card.iconBackground
+
+                SymbolImage {
+                    objectName: "cardSymbol"
+                    anchors.centerIn: parent
+                    name: card.option.systemImage
+                    tint: card.iconForeground
+                    size: 28
+                }
+            }
+
+            CheckboxIndicator {
+                anchors.right: parent.right
+                anchors.verticalCenter: parent.verticalCenter
+                isSelected: card.isSelected
+            }
+        }
+
+        Text {
+            objectName: "cardTitle"
+            width: parent.width
+            text: card.option.shortTitle
+            color: theme.primary
+            font.pixelSize: theme.headlineSize
+            font.weight: Font.DemiBold
+            wrapMode: Text.Wrap
+            Accessible.ignored: true
+        }
+
+        Text {
+            objectName: "cardSummary"
+            width: parent.width
+            text: card.option.cardSummary
+            color: theme.secondary
+            font.pixelSize: theme.subheadlineSize
+            wrapMode: Text.Wrap
+            horizontalAlignment: Text.AlignLeft
+            Accessible.ignored: true
+        }
+    }
+}

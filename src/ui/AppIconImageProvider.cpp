@@ -1,0 +1,37 @@
+#include "AppIconImageProvider.h"
+
+#include <QPainter>
+#include <QPainterPath>
+
+namespace stowly {
+
+AppIconImageProvider::AppIconImageProvider(AppIconCacheRef cache)
+    : QQuickImageProvider(QQuickImageProvider::Image)
+    , m_cache(std::move(cache))
+{
+}
+
+QImage AppIconImageProvider::requestImage(const QString& id, QSize* size, const QSize& requestedSize)
+{
+    const QImage source = m_cache->image(id);
+    if (source.isNull())
+        return {};
+    const QSize target = requestedSize.isValid() && !requestedSize.isEmpty() ? requestedSize : source.size();
+
+    QImage result(target, QImage::Format_ARGB32_Premultiplied);
+    result.fill(Qt::transparent);
+    QPainter painter(&result);
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+    const qreal radius = 6.0 / 24.0 * qMin(target.width(), target.height());
+    QPainterPath clip;
+    clip.addRoundedRect(QRectF(QPointF(0, 0), QSizeF(target)), radius, radius);
+    painter.setClipPath(clip);
+    painter.drawImage(QRectF(QPointF(0, 0), QSizeF(target)),
+                      source.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    painter.end();
+    if (size)
+        *size = target;
+    return result;
+}
+
+} // namespace stowly

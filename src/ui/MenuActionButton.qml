@@ -1,0 +1,65 @@
+import QtQuick
+import QtQuick.Controls
+
+// A tile that runs one bulk action: its symbol on a tinted badge above its title.
+Button {
+    id: tile
+
+    // The action: {rawValue, title, systemImage}. ("action" is taken by Button itself.)
+    required property var bulkAction
+    property bool disabled: false
+    signal tap()
+
+    objectName: "actionTile_" + bulkAction.rawValue
+    text: bulkAction.title
+    enabled: !disabled
+    opacity: disabled ? 0.45 : 1.0
+    topPadding: 10
+    bottomPadding: 10
+    leftPadding: 6
+    rightPadding: 6
+    hoverEnabled: false
+    focusPolicy: Qt.NoFocus
+    onClicked: tile.tap()
+
+    Accessible.name: text
+    Accessible.onPressAction: if (enabled) clicked()
+
+    background: Rectangle {
+        radius: 12
+        color: theme.controlBackground
+    }
+
+    contentItem: Column {
+        spacing: 8
+
+        Rectangle {
+            anchors.horizontalCenter: parent.horizontalCenter
+            width: 40
+            height: 40
+            radius: 10
+            color: Qt.rgba(theme.accent.r, theme.accent.g, theme.accent.b, 0.12)
+
+            SymbolImage {
+                objectName: "tileSymbol"
+                anchors.centerIn: parent
+                name: tile.bulkAction.systemImage
+                tint: theme.accent
+                size: 21
+            }
+        }
+
+        Text {
+            objectName: "tileTitle"
+            width: parent.width
+            text: tile.text
+            color: theme.primary
+            font.pixelSize: theme.captionSize
+            horizontalAlignment: Text.AlignHCenter
+            wrapMode: Text.Wrap
+            maximumLineCount: 2
+            elide: Text.ElideRight
+            Accessible.ignored: true
+        }
+    }
+}

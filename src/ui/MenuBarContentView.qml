@@ -1,0 +1,188 @@
+import QtQuick
+import QtQuick.Controls
+
+// The panel under the tray icon: title, last result, access warning, the enabled bulk
+// actions, the open apps, and Settings / Refresh / Quit, stacked 12 apart.
+Rectangle {
+    id: root
+
+    objectName: "menuBarContentView"
+    width: 340
+    implicitHeight: stack.implicitHeight + 2 * 14
+    height: implicitHeight
+    color: theme.windowBackground
+    border.width: 1
+    border.color: theme.separator
+
+    Accessible.role: Accessible.Pane
+    Accessible.name: texts.productName
+
+    Shortcut {
+        sequence: "Ctrl+Q"
+        context: Qt.WindowShortcut
+        onActivated: panel.quit()
+    }
+
+    Column {
+        id: stack
+        objectName: "panelStack"
+        x: 14
+        y: 14
+        width: root.width - 2 * 14
+        spacing: 12
+
+        Text {
+            objectName: "titleText"
+            text: texts.productName
+            color: theme.primary
+            font.pixelSize: theme.headlineSize
+            font.weight: Font.DemiBold
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
+        }
+
+        Text {
+            objectName: "resultText"
+            width: parent.width
+            text: panel.resultMessage
+            textFormat: Text.PlainText
+            color: theme.secondary
+            font.pixelSize: theme.subheadlineSize
+            wrapMode: Text.Wrap
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
+        }
+
+        Row {
+            objectName: "accessWarning"
+            visible: panel.showsAccessWarning
+            width: parent.width
+            spacing: 5
+
+            Accessible.role: Accessible.StaticText
+            Accessible.name: warningText.text
+
+            SymbolImage {
+                anchors.verticalCenter: parent.verticalCenter
+                name: "exclamationmark.triangle.fill"
+                tint: theme.orange
+                size: 13
+            }
+            Text {
+                id: warningText
+                objectName: "accessWarningText"
+                width: parent.width - 18
+                text: texts.accessWarning
+                color: theme.orange
+                font.pixelSize: theme.captionSize
+                wrapMode: Text.Wrap
+                Accessible.ignored: true
+            }
+        }
+
+        Grid {
+            id: actionGrid
+
+            readonly property int columnCount: panel.columnCount
+            readonly property real cellWidth:
+                columnCount > 0 ? (width - (columnCount - 1) * columnSpacing) / columnCount : 0
+
+            objectName: "actionGrid"
+            width: parent.width
+            columns: Math.max(columnCount, 1)
+            columnSpacing: 10
+            rowSpacing: 10
+
+            Repeater {
+                model: panel.actions
+
+                MenuActionButton {
+                    required property var modelData
+                    bulkAction: modelData
+                    width: actionGrid.cellWidth
+                    disabled: panel.disabledActions[modelData.rawValue] === true
+                    onTap: panel.performAction(modelData.rawValue)
+                }
+            }
+        }
+
+        Rectangle {
+            width: parent.width
+            height: 1
+            color: theme.separator
+        }
+
+        Column {
+            objectName: "openAppsSection"
+            width: parent.width
+            spacing: 6
+
+            Text {
+                objectName: "openAppsHeading"
+                text: panel.openAppsHeading
+                color: theme.primary
+                font.pixelSize: theme.subheadlineSize
+                font.weight: Font.DemiBold
+                Accessible.role: Accessible.StaticText
+                Accessible.name: text
+            }
+
+            Text {
+                objectName: "noAppsText"
+                visible: !panel.hasOpenApps
+                text: texts.noOpenApps
+                color: theme.secondary
+                font.pixelSize: theme.footnoteSize
+                Accessible.role: Accessible.StaticText
+                Accessible.name: text
+            }
+
+            ListView {
+                id: appList
+                objectName: "appList"
+                visible: panel.hasOpenApps
+                width: parent.width
+                height: 220
+                clip: true
+                spacing: 8
+                boundsBehavior: Flickable.StopAtBounds
+                model: openApps
+                ScrollBar.vertical: ScrollBar {}
+
+                Accessible.role: Accessible.List
+                Accessible.name: panel.openAppsHeading
+
+                delegate: AppRowView {
+                    width: appList.width - 10
+                }
+            }
+        }
+
+        Rectangle {
+            width: parent.width
+            height: 1
+            color: theme.separator
+        }
+
+        Button {
+            objectName: "settingsButton"
+            text: texts.settings
+            onClicked: panel.openSettings()
+            Accessible.onPressAction: if (enabled) clicked()
+        }
+
+        Button {
+            objectName: "refreshButton"
+            text: texts.refresh
+            onClicked: panel.refresh()
+            Accessible.onPressAction: if (enabled) clicked()
+        }
+
+        Button {
+            objectName: "quitButton"
+            text: texts.quit
+            onClicked: panel.quit()
+            Accessible.onPressAction: if (enabled) clicked()
+        }
+    }
+}

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QObject>
+#include <QVariantList>
+#include <QVariantMap>
+
+namespace stowly {
+
+class AppModel;
+class NotifyingPreferenceStore;
+
+// What the panel shows besides the app rows: the enabled actions in catalogue order with
+// their disabled rule, the open-apps heading, and the panel's commands.
+class PanelViewModel : public QObject {
+    Q_OBJECT
+    // One entry per enabled action, catalogue order: {rawValue, title, systemImage}.
+    // Changes only when the enabled-actions preference is written.
+    Q_PROPERTY(QVariantList actions READ actions NOTIFY actionsChanged)
+    // min(number of actions, 2); 0 when no action is enabled.
+    Q_PROPERTY(int columnCount READ columnCount NOTIFY actionsChanged)
+    // rawValue -> whether that action's tile is disabled.
+    Q_PROPERTY(QVariantMap disabledActions READ disabledActions NOTIFY availabilityChanged)
+    Q_PROPERTY(QString resultMessage READ resultMessage NOTIFY resultMessageChanged)
+    Q_PROPERTY(bool showsAccessWarning READ showsAccessWarning NOTIFY availabilityChanged)
+    Q_PROPERTY(QString openAppsHeading READ openAppsHeading NOTIFY availabilityChanged)
+    Q_PROPERTY(bool hasOpenApps READ hasOpenApps NOTIFY availabilityChanged)
+
+public:
+    PanelViewModel(AppModel& model, NotifyingPreferenceStore& preferences, QObject* parent = nullptr);
+
+    QVariantList actions() const;
+    int columnCount() const;
+    QVariantMap disabledActions() const;
+    QString resultMessage() const;
+    bool showsAccessWarning() const;
+    QString openAppsHeading() const;
+    bool hasOpenApps() const;
+
+    // Runs the bulk action named by its raw value: exactly one model command.
+    Q_INVOKABLE void performAction(const QString& rawValue);
+    // Re-checks access, then re-reads the open apps.
+    Q_INVOKABLE void refresh();
+    Q_INVOKABLE void openSettings();
+    Q_INVOKABLE void quit();
+
+signals:
+    void actionsChanged();
+    void availabilityChanged();
+    void resultMessageChanged();
+    void settingsRequested();
+    void quitRequested();
+
+private:
+    AppModel& m_model;
+    NotifyingPreferenceStore& m_preferences;
+};
+
+} // namespace stowly

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "AppIconCache.h"
+#include "RunningAppInfo.h"
+
+#include <QAbstractListModel>
+
+#include <vector>
+
+namespace stowly {
+
+class AppModel;
+
+// The panel's open-apps list: AppModel::runningApps() as rows, kept in step with every
+// refresh by moving, inserting and removing rows by process id, so that a row (and a menu
+// open on it) survives the once-a-second refresh when its app is still listed.
+class RunningAppsListModel : public QAbstractListModel {
+    Q_OBJECT
+    Q_PROPERTY(int count READ count NOTIFY countChanged)
+
+public:
+    enum Role {
+        IdRole = Qt::UserRole + 1,
+        NameRole,
+        StatusRole,
+        FormattedRamRole,
+        StatusLineRole,     // "<status> • RAM: <formattedRAM>"
+        StatusColorRole,
+        IconUrlRole,        // empty when the app has no icon
+        MenuNameRole,       // accessible name of the row's menu button
+    };
+
+    RunningAppsListModel(AppModel& model, AppIconCacheRef icons, QObject* parent = nullptr);
+
+    int rowCount(const QModelIndex& parent = {}) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+    QHash<int, QByteArray> roleNames() const override;
+    int count() const { return int(m_apps.size()); }
+
+    // The row's menu entries; each hands the row's record to the model.
+    Q_INVOKABLE void openApp(int row);
+    Q_INVOKABLE void terminateApp(int row);
+    Q_INVOKABLE void forceTerminateApp(int row);
+
+signals:
+    void countChanged();
+
+private:
+    void synchronize();
+    int rowOf(std::int32_t pid, int from) const;
+    const RunningAppInfo* appAt(int row) const;
+
+    AppModel& m_model;
+    AppIconCacheRef m_icons;
+    std::vector<RunningAppInfo> m_apps;
+};
+
+} // namespace stowly

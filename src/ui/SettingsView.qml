@@ -1,0 +1,302 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+
+// The settings content: which actions the panel offers and which is the default,
+// launch at startup, and the state of accessibility access.
+Rectangle {
+    id: root
+
+    objectName: "settingsView"
+    width: 760
+    height: 560
+    color: theme.windowBackground
+
+    Accessible.role: Accessible.Pane
+    Accessible.name: texts.settingsWindowTitle
+
+    Shortcut {
+        sequence: "Ctrl+Q"
+        context: Qt.WindowShortcut
+        onActivated: panel.quit()
+    }
+
+    Flickable {
+        id: scroller
+        objectName: "settingsScroller"
+        anchors.fill: parent
+        contentWidth: width
+        contentHeight: sections.height + 2 * 28
+        boundsBehavior: Flickable.StopAtBounds
+        clip: true
+        ScrollBar.vertical: ScrollBar {}
+
+        Column {
+            id: sections
+            x: 28
+            y: 28
+            width: scroller.width - 2 * 28
+            spacing: 28
+
+            // ---- Actions ------------------------------------------------------------
+            Column {
+                objectName: "actionSection"
+                width: parent.width
+                spacing: 18
+
+                RowLayout {
+                    width: parent.width
+                    spacing: 10
+
+                    Text {
+                        objectName: "primaryActionHeading"
+                        text: texts.primaryAction
+                        color: theme.primary
+                        font.pixelSize: theme.titleSize
+                        font.weight: Font.DemiBold
+                        Accessible.role: Accessible.Heading
+                        Accessible.name: text
+                    }
+                    Item {
+                        Layout.fillWidth: true
+                    }
+                    SymbolImage {
+                        name: "menubar.rectangle"
+                        tint: theme.secondary
+                        size: 14
+                    }
+                    Text {
+                        objectName: "appliedFromMenuBar"
+                        text: texts.appliedFromMenuBar
+                        color: theme.secondary
+                        font.pixelSize: theme.footnoteSize
+                        Accessible.role: Accessible.StaticText
+                        Accessible.name: text
+                    }
+                }
+
+                Text {
+                    objectName: "actionsIntro"
+                    width: parent.width
+                    text: texts.actionsIntro
+                    color: theme.secondary
+                    font.pixelSize: theme.subheadlineSize
+                    wrapMode: Text.Wrap
+                    Accessible.role: Accessible.StaticText
+                    Accessible.name: text
+                }
+
+                Row {
+                    id: cardRow
+                    objectName: "actionCards"
+                    width: parent.width
+                    spacing: 16
+
+                    Repeater {
+                        model: settings.cards
+
+                        ActionOptionCard {
+                            required property var modelData
+                            option: modelData
+                            isSelected: settings.selection[modelData.rawValue] === true
+                            width: (cardRow.width - 3 * cardRow.spacing) / 4
+                            anchors.verticalCenter: parent.verticalCenter
+                            onSelect: settings.toggleAction(modelData.rawValue, isSelected)
+                        }
+                    }
+                }
+
+                Column {
+                    spacing: 8
+
+                    ComboBox {
+                        id: picker
+                        objectName: "defaultActionPicker"
+                        width: 240
+                        model: settings.pickerItems
+                        currentIndex: settings.pickerIndex
+                        onActivated: index => {
+                            settings.choosePickerItem(index);
+                            // A choice must not cut the selection loose from the stored default.
+                            picker.currentIndex = Qt.binding(() => settings.pickerIndex);
+                        }
+                        Accessible.name: texts.defaultActionPicker
+                    }
+                }
+
+                Rectangle {
+                    objectName: "summaryBox"
+                    width: summaryContent.implicitWidth + 2 * 16
+                    height: summaryContent.implicitHeight + 2 * 16
+                    radius: 16
+                    color: theme.controlBackground
+
+                    Row {
+                        id: summaryContent
+                        x: 16
+                        y: 16
+                        spacing: 12
+
+                        SymbolImage {
+                            name: "checkmark.circle.fill"
+                            tint: theme.green
+                            size: 18
+                        }
+                        Column {
+                            spacing: 4
+
+                            Text {
+                                objectName: "defaultSummaryTitle"
+                                text: settings.summaryTitle
+                                color: theme.primary
+                                font.pixelSize: theme.headlineSize
+                                font.weight: Font.DemiBold
+                                Accessible.role: Accessible.StaticText
+                                Accessible.name: text
+                            }
+                            Text {
+                                objectName: "defaultSummaryText"
+                                text: settings.summaryText
+                                color: theme.secondary
+                                font.pixelSize: theme.subheadlineSize
+                                Accessible.role: Accessible.StaticText
+                                Accessible.name: text
+                            }
+                        }
+                    }
+                }
+            }
+
+            Rectangle {
+                width: parent.width
+                height: 1
+                color: theme.separator
+            }
+
+            // ---- Startup ------------------------------------------------------------
+            Column {
+                objectName: "startupSection"
+                width: parent.width
+                spacing: 18
+
+                Text {
+                    objectName: "startupHeading"
+                    text: texts.startup
+                    color: theme.primary
+                    font.pixelSize: theme.titleSize
+                    font.weight: Font.DemiBold
+                    Accessible.role: Accessible.Heading
+                    Accessible.name: text
+                }
+
+                Column {
+                    width: parent.width
+                    spacing: 16
+
+                    CheckboxRow {
+                        objectName: "launchAtLoginRow"
+                        width: parent.width
+                        title: texts.launchAtStartupTitle
+                        subtitle: texts.launchAtStartupSubtitle
+                        isOn: settings.launchesAtLogin
+                        onToggleRequested: value => settings.setLaunchAtLogin(value)
+                    }
+                    CheckboxRow {
+                        objectName: "mainShortcutRow"
+                        width: parent.width
+                        title: texts.mainShortcutTitle
+                        subtitle: texts.mainShortcutSubtitle
+                        isOn: true
+                        isEnabled: false
+                    }
+                }
+            }
+
+            Rectangle {
+                width: parent.width
+                height: 1
+                color: theme.separator
+            }
+
+            // ---- Accessibility ------------------------------------------------------
+            Column {
+                objectName: "accessibilitySection"
+                width: parent.width
+                spacing: 18
+
+                Text {
+                    objectName: "accessibilityHeading"
+                    text: texts.accessibility
+                    color: theme.primary
+                    font.pixelSize: theme.titleSize
+                    font.weight: Font.DemiBold
+                    Accessible.role: Accessible.Heading
+                    Accessible.name: text
+                }
+
+                Rectangle {
+                    objectName: "accessStatusBox"
+                    width: accessContent.implicitWidth + 2 * 16
+                    height: accessContent.implicitHeight + 2 * 16
+                    radius: 16
+                    color: theme.controlBackground
+
+                    Row {
+                        id: accessContent
+                        x: 16
+                        y: 16
+                        spacing: 12
+
+                        SymbolImage {
+                            objectName: "accessSymbol"
+                            name: settings.accessSymbol
+                            tint: settings.accessGranted ? theme.green : theme.orange
+                            size: 18
+                        }
+                        Column {
+                            spacing: 4
+
+                            Text {
+                                objectName: "accessTitle"
+                                text: settings.accessTitle
+                                color: theme.primary
+                                font.pixelSize: theme.headlineSize
+                                font.weight: Font.DemiBold
+                                Accessible.role: Accessible.StaticText
+                                Accessible.name: text
+                            }
+                            Text {
+                                objectName: "accessDetail"
+                                text: settings.accessDetail
+                                color: theme.secondary
+                                font.pixelSize: theme.subheadlineSize
+                                Accessible.role: Accessible.StaticText
+                                Accessible.name: text
+                            }
+                        }
+                    }
+                }
+
+                Row {
+                    objectName: "accessButtons"
+                    visible: !settings.accessGranted
+                    spacing: 12
+
+                    Button {
+                        objectName: "grantAccessButton"
+                        text: texts.grantAccess
+                        highlighted: true
+                        onClicked: settings.requestAccessibilityPermission()
+                        Accessible.onPressAction: if (enabled) clicked()
+                    }
+                    Button {
+                        objectName: "openSystemSettingsButton"
+                        text: texts.openSystemSettings
+                        onClicked: settings.openAccessibilitySettings()
+                        Accessible.onPressAction: if (enabled) clicked()
+                    }
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,132 @@
+#include "SettingsViewModel.h"
+
+#include "ActionSettings.h"
+#include "AppModel.h"
+#include "NotifyingPreferenceStore.h"
+#include "ViewTexts.h"
+
+namespace stowly {
+
+SettingsViewModel::SettingsViewModel(AppModel& model, NotifyingPreferenceStore& preferences, QObject* parent)
+    : QObject(parent)
+    , m_model(model)
+    , m_preferences(preferences)
+{
+    connect(&m_preferences, &NotifyingPreferenceStore::enabledActionsChanged, this, [this] {
+        emit selectionChanged();
+        emit pickerChanged();
+    });
+    connect(&m_preferences, &NotifyingPreferenceStore::defaultActionChanged, this, [this] {
+        emit pickerChanged();
+        emit summaryChanged();
+    });
+    connect(&m_model, &AppModel::launchesAtLoginChanged, this, &SettingsViewModel::launchesAtLoginChanged);
+    connect(&m_model, &AppModel::hasAccessibilityPermissionChanged, this, &SettingsViewModel::accessChanged);
+}
+
+QVariantList SettingsViewModel::cards() const
+{
+    QVariantList list;
+    for (DefaultAction action : DefaultAction::allCases()) {
+        list.append(QVariantMap{
+            {QStringLiteral("rawValue"), action.rawValue()},
+            {QStringLiteral("shortTitle"), action.shortTitle()},
+            {QStringLiteral("cardSummary"), action.cardSummary()},
+            {QStringLiteral("systemImage"), action.systemImage()},
+        });
+    }
+    return list;
+}
+
+QVariantMap SettingsViewModel::selection() const
+{
+    const ActionSet enabled = ActionSettings::enabledActions(m_preferences);
+    QVariantMap selected;
+    for (DefaultAction action : DefaultAction::allCases())
+        selected.insert(action.rawValue(), enabled.count(action) > 0);
+    return selected;
+}
+
+QStringList SettingsViewModel::pickerItems() const
+{
+    QStringList items;
+    for (DefaultAction action : ActionSettings::pickerItems(m_preferences))
+        items.append(action.shortTitle());
+    return items;
+}
+
+int SettingsViewModel::pickerIndex() const
+{
+    const DefaultAction selection = ActionSettings::pickerSelection(m_preferences);
+    const std::vector<DefaultAction> items = ActionSettings::pickerItems(m_preferences);
+    for (std::size_t index = 0; index < items.size(); ++index) {
+        if (items[index] == selection)
+            return int(index);
+    }
+    return -1;   // nothing enabled: the picker shows no item
+}
+
+QString SettingsViewModel::summaryTitle() const
+{
+    return ViewTexts::defaultActionSummaryTitle(ActionSettings::selectedAction(m_preferences).title());
+}
+
+QString SettingsViewModel::summaryText() const
+{
+    return ActionSettings::selectedAction(m_preferences).summary();
+}
+
+bool SettingsViewModel::launchesAtLogin() const
+{
+    return m_model.launchesAtLogin();
+}
+
+bool SettingsViewModel::accessGranted() const
+{
+    return m_model.hasAccessibilityPermission();
+}
+
+QString SettingsViewModel::accessTitle() const
+{
+    return accessGranted() ? ViewTexts::accessGranted : ViewTexts::accessRequired;
+}
+
+QString SettingsViewModel::accessDetail() const
+{
+    return accessGranted() ? ViewTexts::accessGrantedDetail : ViewTexts::accessRequiredDetail;
+}
+
+QString SettingsViewModel::accessSymbol() const
+{
+    return accessGranted() ? QStringLiteral("checkmark.shield.fill") : QStringLiteral("exclamationmark.triangle.fill");
+}
+
+void SettingsViewModel::toggleAction(const QString& rawValue, bool isSelected)
+{
+    if (const std::optional<DefaultAction> action = DefaultAction::fromRawValue(rawValue))
+        ActionSettings::toggleAction(m_preferences, *action, isSelected);
+}
+
+void SettingsViewModel::choosePickerItem(int index)
+{
+    const std::vector<DefaultAction> items = ActionSettings::pickerItems(m_preferences);
+    if (index >= 0 && std::size_t(index) < items.size())
+        ActionSettings::setPickerSelection(m_preferences, items[std::size_t(index)]);
+}
+
+void SettingsViewModel::setLaunchAtLogin(bool enabled)
+{
+    m_model.setLaunchAtLogin(enabled);
+}
+
+void SettingsViewModel::requestAccessibilityPermission()
+{
+    m_model.requestAccessibilityPermission();
+}
+
+void SettingsViewModel::openAccessibilitySettings()
+{
+    m_model.openAccessibilitySettings();
+}
+
+} // namespace stowly

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+#include <QVariantList>
+#include <QVariantMap>
+
+namespace stowly {
+
+class AppModel;
+class NotifyingPreferenceStore;
+
+// What the settings window shows and does: the action cards, the default-action picker
+// and its summary, launch at login and the accessibility section. The rules themselves
+// are ActionSettings'; this only presents them.
+class SettingsViewModel : public QObject {
+    Q_OBJECT
+    // One card per action, catalogue order: {rawValue, shortTitle, cardSummary, systemImage}.
+    Q_PROPERTY(QVariantList cards READ cards CONSTANT)
+    // rawValue -> whether the action is enabled (its card shows as selected).
+    Q_PROPERTY(QVariantMap selection READ selection NOTIFY selectionChanged)
+    // The picker's items (short titles, by raw value) and the index of its selection.
+    Q_PROPERTY(QStringList pickerItems READ pickerItems NOTIFY pickerChanged)
+    Q_PROPERTY(int pickerIndex READ pickerIndex NOTIFY pickerChanged)
+    Q_PROPERTY(QString summaryTitle READ summaryTitle NOTIFY summaryChanged)
+    Q_PROPERTY(QString summaryText READ summaryText NOTIFY summaryChanged)
+    Q_PROPERTY(bool launchesAtLogin READ launchesAtLogin NOTIFY launchesAtLoginChanged)
+    Q_PROPERTY(bool accessGranted READ accessGranted NOTIFY accessChanged)
+    Q_PROPERTY(QString accessTitle READ accessTitle NOTIFY accessChanged)
+    Q_PROPERTY(QString accessDetail READ accessDetail NOTIFY accessChanged)
+    Q_PROPERTY(QString accessSymbol READ accessSymbol NOTIFY accessChanged)
+
+public:
+    SettingsViewModel(AppModel& model, NotifyingPreferenceStore& preferences, QObject* parent = nullptr);
+
+    QVariantList cards() const;
+    QVariantMap selection() const;
+    QStringList pickerItems() const;
+    int pickerIndex() const;
+    QString summaryTitle() const;
+    QString summaryText() const;
+    bool launchesAtLogin() const;
+    bool accessGranted() const;
+    QString accessTitle() const;
+    QString accessDetail() const;
+    QString accessSymbol() const;
+
+    // A card click; isSelected is what the card showed when it was clicked.
+    Q_INVOKABLE void toggleAction(const QString& rawValue, bool isSelected);
+    Q_INVOKABLE void choosePickerItem(int index);
+    Q_INVOKABLE void setLaunchAtLogin(bool enabled);
+    Q_INVOKABLE void requestAccessibilityPermission();
+    Q_INVOKABLE void openAccessibilitySettings();
+
+signals:
+    void selectionChanged();
+    void pickerChanged();
+    void summaryChanged();
+    void launchesAtLoginChanged();
+    void accessChanged();
+
+private:
+    AppModel& m_model;
+    NotifyingPreferenceStore& m_preferences;
+};
+
+} // namespace stowly

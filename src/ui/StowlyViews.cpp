@@ -1,0 +1,81 @@
+#include "StowlyViews.h"
+
+#include "AppIconImageProvider.h"
+#include "PanelViewModel.h"
+#include "RunningAppsListModel.h"
+#include "SettingsViewModel.h"
+#include "SymbolImageProvider.h"
+#include "Theme.h"
+#include "ViewTexts.h"
+
+#include <QQmlContext>
+#include <QQmlEngine>
+#include <QQuickStyle>
+#include <QQuickView>
+
+namespace stowly {
+
+StowlyViews::StowlyViews(AppModel& model, NotifyingPreferenceStore& preferences, QObject* parent)
+    : QObject(parent)
+{
+    // One style everywhere, so that the views look the same on every desktop; it must be
+    // chosen before the first Controls type loads.
+    if (QQuickStyle::name().isEmpty())
+        QQuickStyle::setStyle(QStringLiteral("Fusion"));
+
+    auto icons = std::make_shared<AppIconCache>();
+    m_engine = new QQmlEngine(this);
+    m_theme = new Theme(this);
+    m_panel = new PanelViewModel(model, preferences, this);
+    m_openApps = new RunningAppsListModel(model, icons, this);
+    m_settings = new SettingsViewModel(model, preferences, this);
+
+    m_engine->addImageProvider(QStringLiteral("appicon"), new AppIconImageProvider(icons));
+    m_engine->addImageProvider(QStringLiteral("symbol"), new SymbolImageProvider);
+
+    QQmlContext* context = m_engine->rootContext();
+    context->setContextProperty(QStringLiteral("panel"), m_panel);
+    context->setContextProperty(QStringLiteral("openApps"), m_openApps);
+    context->setContextProperty(QStringLiteral("settings"), m_settings);
+    context->setContextProperty(QStringLiteral("theme"), m_theme);
+    context->setContextProperty(QStringLiteral("texts"), ViewTexts::asMap());
+}
+
+StowlyViews::~StowlyViews() = default;
+
+QUrl StowlyViews::viewUrl(const QString& fileName)
+{
+    return QUrl(QStringLiteral("qrc:/Stowly/") + fileName);
+}
+
+QUrl StowlyViews::panelUrl()
+{
+    return viewUrl(QStringLiteral("MenuBarContentView.qml"));
+}
+
+QUrl StowlyViews::settingsUrl()
+{
+    return viewUrl(QStringLiteral("SettingsView.qml"));
+}
+
+QQuickView* StowlyViews::createPanelView(QWindow* parent)
+{
+    auto* view = new QQuickView(m_engine, parent);
+    view->setResizeMode(QQuickView::SizeViewToRootObject);
+    view->setColor(m_theme->windowBackground);
+    view->setTitle(ViewTexts::productName);   // what assistive technology calls the panel
+    view->setSource(panelUrl());
+    return view;
+}
+
+QQuickView* StowlyViews::createSettingsView(QWindow* parent)
+{
+    auto* view = new QQuickView(m_engine, parent);
+    view->setResizeMode(QQuickView::SizeViewToRootObject);
+    view->setColor(m_theme->windowBackground);
+    view->setTitle(ViewTexts::settingsWindowTitle);
+    view->setSource(settingsUrl());
+    return view;
+}
+
+} // namespace stowly

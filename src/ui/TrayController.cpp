@@ -1,0 +1,68 @@
+#include "TrayController.h"
+
+#include "PanelViewModel.h"
+#include "PanelWindow.h"
+#include "StatusIcon.h"
+#include "StowlyViews.h"
+#include "ViewTexts.h"
+
+#include <QCoreApplication>
+#include <QCursor>
+#include <QQuickView>
+#include <QSystemTrayIcon>
+
+namespace stowly {
+
+TrayController::TrayController(StowlyViews& views, QObject* parent)
+    : QObject(parent)
+    , m_views(views)
+    , m_tray(new QSystemTrayIcon(StatusIcon::icon(), this))
+    , m_panel(new PanelWindow(views.createPanelView(), this))
+{
+    m_tray->setToolTip(ViewTexts::productName);
+    connect(m_tray, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
+        if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick)
+            togglePanel();
+    });
+    connect(&m_views.panel(), &PanelViewModel::settingsRequested, this, &TrayController::openSettings);
+    connect(&m_views.panel(), &PanelViewModel::quitRequested, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+}
+
+TrayController::~TrayController()
+{
+    // The views go before the engine that made them.
+    delete m_settings;
+    delete m_panel;
+}
+
+void TrayController::showTrayIcon()
+{
+    m_tray->show();
+}
+
+void TrayController::togglePanel()
+{
+    m_panel->toggle(trayAnchor());
+}
+
+QRect TrayController::trayAnchor() const
+{
+    const QRect geometry = m_tray->geometry();
+    if (geometry.isValid() && !geometry.isEmpty())
+        return geometry;
+    return QRect(QCursor::pos() - QPoint(9, 9), QSize(18, 18));
+}
+
+void TrayController::openSettings()
+{
+    if (!m_settings) {
+        m_settings = m_views.createSettingsView();
+        m_settings->setMinimumSize(QSize(760, 560));
+        m_settings->setMaximumSize(QSize(760, 560));
+    }
+    m_settings->show();
+    m_settings->raise();
+    m_settings->requestActivate();
+}
+
+} // namespace stowly

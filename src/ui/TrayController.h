@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QObject>
+#include <QRect>
+
+class QQuickView;
+class QSystemTrayIcon;
+
+namespace stowly {
+
+class PanelWindow;
+class StowlyViews;
+
+// The program's presence on the desktop: the tray icon, the panel it opens and the
+// settings window the panel opens. Quitting is the panel's Quit (Ctrl+Q).
+class TrayController : public QObject {
+    Q_OBJECT
+
+public:
+    explicit TrayController(StowlyViews& views, QObject* parent = nullptr);
+    ~TrayController() override;
+
+    void showTrayIcon();
+    void togglePanel();
+    // Opens the settings window, or brings it forward and focuses it when it is open.
+    void openSettings();
+
+    PanelWindow& panelWindow() { return *m_panel; }
+
+private:
+    // The tray icon's rectangle, or a small one at the pointer when the tray gives none.
+    QRect trayAnchor() const;
+
+    StowlyViews& m_views;
+    QSystemTrayIcon* m_tray;
+    PanelWindow* m_panel;
+    QQuickView* m_settings = nullptr;
+};
+
+} // namespace stowly

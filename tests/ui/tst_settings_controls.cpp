@@ -1,0 +1,188 @@
+// ActionOptionCard, CheckboxRow and CheckboxIndicator on their own.
+#include "Theme.h"
+#include "UiFixture.h"
+
+#include <QQmlComponent>
+#include <QQuickWindow>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace stowly;
+using stowly::testing::UiFixture;
+
+class SettingsControlsTest : public QObject {
+    Q_OBJECT
+
+private:
+    // One control in a window of its own.
+    struct Hosted {
+        std::unique_ptr<QQuickView> window;
+        QQuickItem* item = nullptr;
+    };
+
+    Hosted host(UiFixture& ui, const char* file, const QVariantMap& properties, qreal width)
+    {
+        Hosted hosted;
+        hosted.window = std::make_unique<QQuickView>(&ui.views().engine(), nullptr);
+        hosted.window->resize(int(width) + 20, 400);
+        QQmlComponent component(&ui.views().engine(), StowlyViews::viewUrl(QLatin1String(file)));
+        QObject* object = component.createWithInitialProperties(properties);
+        if (!object)
+            qWarning() << component.errorString();
+        hosted.item = qobject_cast<QQuickItem*>(object);
+        if (hosted.item) {
+            hosted.item->setParent(hosted.window->contentItem());
+            hosted.item->setParentItem(hosted.window->contentItem());
+            hosted.item->setWidth(width);
+        }
+        hosted.window->show();
+        if (!QTest::qWaitForWindowExposed(hosted.window.get()))
+            qWarning("control window was never exposed");
+        UiFixture::settle();
+        return hosted;
+    }
+
+    static QVariantMap option(const QString& summary = QStringLiteral("Clear the desktop while keeping apps running."))
+    {
+        return {{QStringLiteral("rawValue"), QStringLiteral("minimize")},
+                {QStringLiteral("shortTitle"), QStringLiteral("Minimize")},
+                {QStringLiteral("cardSummary"), summary},
+                {QStringLiteral("systemImage"), QStringLiteral("macwindow.badge.minus")}};
+    }
+    static QColor colorOf(QQuickItem* root, const char* name, const char* property = "color")
+    {
+        return UiFixture::findIn(root, QLatin1String(name))->property(property).value<QColor>();
+    }
+    static bool sameColor(const QColor& a, const QColor& b, qreal alpha)
+    {
+        return a.rgb() == b.rgb() && qAbs(a.alphaF() - alpha) < 0.01;
+    }
+
+private slots:
+    void selectedCardLook()
+    {
+        UiFixture ui;
+        ui.start();
+        Hosted card = host(ui, "ActionOptionCard.qml", {{"option", option()}, {"isSelected", true}}, 170);
+        QVERIFY(card.item);
+        QQuickItem* background = card.item->property("background").value<QQuickItem*>();
+        QVERIFY(sameColor(background->property("color").value<QColor>(), Palette::accent, 0.06));
+        QCOMPARE(background->property("radius").toReal(), 18.0);
+        QObject* border = background->property("border").value<QObject*>();
+        QCOMPARE(border->property("width").toReal(), 2.0);
+        QCOMPARE(border->property("color").value<QColor>(), Palette::accent);
+        QVERIFY(sameColor(colorOf(card.item, "cardIconTile"), Palette::accent, 0.14));
+        QCOMPARE(UiFixture::findIn(card.item, QStringLiteral("cardIconTile"))->width(), 52.0);
+        QCOMPARE(colorOf(card.item, "cardSymbol", "tint"), Palette::accent);
+        QCOMPARE(colorOf(card.item, "checkboxBox"), Palette::accent);
+        QVERIFY(UiFixture::findIn(card.item, QStringLiteral("checkboxMark"))->isVisible());
+        QVERIFY(card.item->height() >= 180);
+    }
+
+    void unselectedCardLook()
+    {
+        UiFixture ui;
+        ui.start();
+        Hosted card = host(ui, "ActionOptionCard.qml", {{"option", option()}, {"isSelected", false}}, 170);
+        QQuickItem* background = card.item->property("background").value<QQuickItem*>();
+        QCOMPARE(background->property("color").value<QColor>(), Palette::controlBackground);
+        QObject* border = background->property("border").value<QObject*>();
+        QCOMPARE(border->property("width").toReal(), 1.0);
+        QCOMPARE(border->property("color").value<QColor>(), Palette::separator);
+        QCOMPARE(colorOf(card.item, "cardIconTile"), Palette::control);
+        QCOMPARE(colorOf(card.item, "cardSymbol", "tint"), Palette::secondary);
+        QCOMPARE(colorOf(card.item, "checkboxBox"), Palette::windowBackground);
+        QVERIFY(!UiFixture::findIn(card.item, QStringLiteral("checkboxMark"))->isVisible());
+    }
+
+    void clickingACardSelectsOnceAndLeavesItsLook()
+    {
+        UiFixture ui;
+        ui.start();
+        Hosted card = host(ui, "ActionOptionCard.qml", {{"option", option()}, {"isSelected", false}}, 170);
+        QSignalSpy select(card.item, SIGNAL(select()));
+        UiFixture::click(*card.window, card.item, QPointF(20, card.item->height() - 10));
+        QCOMPARE(select.count(), 1);
+        QVERIFY(!card.item->property("isSelected").toBool());
+        QCOMPARE(colorOf(card.item, "checkboxBox"), Palette::windowBackground);
+    }
+
+    void aLongCardSummaryWrapsAndTheCardGrows()
+    {
+        UiFixture ui;
+        ui.start();
+        const QString longSummary = QStringLiteral("A summary that goes on and on, ").repeated(8);
+        Hosted card = host(ui, "ActionOptionCard.qml", {{"option", option(longSummary)}, {"isSelected", true}}, 170);
+        QQuickItem* summary = UiFixture::findIn(card.item, QStringLiteral("cardSummary"));
+        QVERIFY(summary->property("lineCount").toInt() > 3);
+        QVERIFY(!summary->property("truncated").toBool());
+        QVERIFY(summary->width() <= card.item->width() - 36);
+        QVERIFY(card.item->height() > 180);
+    }
+
+    void aDisabledRowIgnoresClicksAndIsDimmed()
+    {
+        UiFixture ui;
+        ui.start();
+        Hosted row = host(ui, "CheckboxRow.qml",
+                          {{"title", "Title"}, {"subtitle", "Subtitle"}, {"isOn", false}, {"isEnabled", false}}, 400);
+        QSignalSpy toggled(row.item, SIGNAL(toggleRequested(bool)));
+        UiFixture::click(*row.window, row.item);
+        QCOMPARE(toggled.count(), 0);
+        QCOMPARE(row.item->opacity(), 0.72);
+        QCOMPARE(colorOf(row.item, "checkboxRowTitle"), Palette::secondary);
+        QVERIFY(!UiFixture::findIn(row.item, QStringLiteral("checkboxMark"))->isVisible());
+        row.item->setProperty("isOn", true);
+        QVERIFY(UiFixture::findIn(row.item, QStringLiteral("checkboxMark"))->isVisible());
+    }
+
+    void anEnabledRowAsksForTheFlippedValue()
+    {
+        UiFixture ui;
+        ui.start();
+        Hosted row = host(ui, "CheckboxRow.qml", {{"title", "Title"}, {"subtitle", "Subtitle"}, {"isOn", true}}, 400);
+        QCOMPARE(row.item->opacity(), 1.0);
+        QCOMPARE(colorOf(row.item, "checkboxRowTitle"), Palette::primary);
+        QSignalSpy toggled(row.item, SIGNAL(toggleRequested(bool)));
+        UiFixture::click(*row.window, row.item);
+        QCOMPARE(toggled.count(), 1);
+        QCOMPARE(toggled.front().front().toBool(), false);
+        // Nobody stores the value: like a constant binding, the row keeps showing it.
+        QVERIFY(row.item->property("isOn").toBool());
+        QVERIFY(UiFixture::findIn(row.item, QStringLiteral("checkboxMark"))->isVisible());
+    }
+
+    void aLongSubtitleWrapsAndTheRowGrows()
+    {
+        UiFixture ui;
+        ui.start();
+        Hosted shortRow = host(ui, "CheckboxRow.qml", {{"title", "Title"}, {"subtitle", "Short"}}, 400);
+        Hosted longRow = host(ui, "CheckboxRow.qml",
+                              {{"title", "Title"}, {"subtitle", QStringLiteral("Words that wrap. ").repeated(20)}}, 400);
+        QQuickItem* subtitle = UiFixture::findIn(longRow.item, QStringLiteral("checkboxRowSubtitle"));
+        QVERIFY(subtitle->property("lineCount").toInt() > 2);
+        QVERIFY(!subtitle->property("truncated").toBool());
+        QVERIFY(longRow.item->height() > shortRow.item->height());
+    }
+
+    void indicatorShape()
+    {
+        UiFixture ui;
+        ui.start();
+        Hosted indicator = host(ui, "CheckboxIndicator.qml", {{"isSelected", true}}, 24);
+        QQuickItem* box = UiFixture::findIn(indicator.item, QStringLiteral("checkboxBox"));
+        QCOMPARE(box->width(), 24.0);
+        QCOMPARE(box->height(), 24.0);
+        QCOMPARE(box->property("radius").toReal(), 7.0);
+        QObject* border = box->property("border").value<QObject*>();
+        QCOMPARE(border->property("width").toReal(), 1.5);
+        QCOMPARE(colorOf(indicator.item, "checkboxMark", "tint"), Palette::white);
+        QCOMPARE(UiFixture::findIn(indicator.item, QStringLiteral("checkboxMark"))->property("name").toString(),
+                 QStringLiteral("checkmark"));
+        indicator.item->setProperty("isSelected", false);
+        QCOMPARE(border->property("color").value<QColor>(), Palette::separator);
+    }
+};
+
+QTEST_MAIN(SettingsControlsTest)
+#include "tst_settings_controls.moc"
