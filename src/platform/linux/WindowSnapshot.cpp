@@ -162,6 +162,8 @@ std::shared_ptr<const WindowSnapshot> takeWindowSnapshot(XConnection& x, IconCac
     x.drainEvents();
     xcb_connection_t* c = x.get();
     snapshot->generation = x.generation();
+    // Events handled from here on may describe changes after the root's lists were read.
+    snapshot->listSerial = x.eventSerial();
 
     // Stage 1: what the window manager lists.
     const auto listCookie = request(c, x.root(), x.atom(Atom::NET_CLIENT_LIST), kMaxListLongs);
@@ -365,8 +367,8 @@ std::shared_ptr<const WindowSnapshot> currentWindowSnapshot(XConnection& x, Icon
         x.drainEvents();   // also notices a server that went away
         const auto latest = x.latestSnapshot();
         if (x.isConnected() && latest && latest->connected && latest->withIcons &&
-            latest->generation == x.generation() && !x.clientListChangedSince(latest->serial) &&
-            !x.rootStateChangedSince(latest->serial) &&
+            latest->generation == x.generation() && !x.clientListChangedSince(latest->listSerial) &&
+            !x.rootStateChangedSince(latest->listSerial) &&
             std::none_of(latest->windows.begin(), latest->windows.end(), [&](const ClientWindow& w) {
                 return !unchangedSince(x, w, latest->serial);
             }))
@@ -381,7 +383,7 @@ std::shared_ptr<const WindowSnapshot> windowSnapshotFor(XConnection& x, std::int
         x.drainEvents();   // also notices a server that went away
         const auto latest = x.latestSnapshot();
         if (x.isConnected() && latest && latest->connected && latest->generation == x.generation() &&
-            !x.clientListChangedSince(latest->serial)) {
+            !x.clientListChangedSince(latest->listSerial)) {
             const bool unchanged = std::none_of(latest->windows.begin(), latest->windows.end(),
                                                 [&](const ClientWindow& w) {
                                                     return w.pid == pid &&

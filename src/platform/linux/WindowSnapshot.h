@@ -42,7 +42,8 @@ struct WindowSnapshot {
     std::vector<xcb_window_t> stacking;           // _NET_CLIENT_LIST_STACKING, bottom to top
     xcb_window_t activeWindow = 0;
     std::chrono::steady_clock::time_point takenAt;
-    std::uint64_t serial = 0;   // XConnection::eventSerial() as its windows were read
+    std::uint64_t listSerial = 0;   // XConnection::eventSerial() as the root's lists were read
+    std::uint64_t serial = 0;       // XConnection::eventSerial() as its windows were read
     bool withIcons = false;     // read with an icon cache: every window's icon is filled in
 };
 
