@@ -194,21 +194,29 @@ void XConnection::drainEvents()
 {
     if (m_connection == nullptr)
         return;
-    // One read of the socket, then what it brought: reading again until it runs dry would
-    // cost a system call more per drain and only pick up events sent meanwhile. A read that
-    // brought a full buffer (xcb reads 4 KiB, 128 events, at a time) may have left older
-    // events behind, so then the socket is read again.
+    // What is queued already (xcb queues events while it waits for replies), then one read
+    // of the socket and what it brought: reading again until the socket runs dry would cost
+    // a system call more per drain and only pick up events sent meanwhile. xcb reads at most
+    // 4 KiB (128 events) at a time, so a read that filled that is followed by another.
     constexpr int kEventsPerRead = 4096 / 32;
-    for (;;) {
+    auto takeQueued = [this] {
         int count = 0;
-        xcb_generic_event_t* event = xcb_poll_for_event(m_connection);
-        while (event != nullptr) {
+        while (xcb_generic_event_t* event = xcb_poll_for_queued_event(m_connection)) {
             handleEvent(event);
             std::free(event);
             ++count;
-            event = xcb_poll_for_queued_event(m_connection);
         }
-        if (count < kEventsPerRead)
+        return count;
+    };
+    takeQueued();
+    for (;;) {
+        // The queue is empty now, so this reads the socket.
+        xcb_generic_event_t* event = xcb_poll_for_event(m_connection);
+        if (event == nullptr)
+            return;
+        handleEvent(event);
+        std::free(event);
+        if (1 + takeQueued() < kEventsPerRead)
             return;
     }
 }
