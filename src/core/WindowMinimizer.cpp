@@ -28,12 +28,11 @@ QString fromUtf8(const std::optional<std::string>& text)
 }
 
 // Plain, case-sensitive order of the Unicode text; canonically equivalent texts compare
-// equal because both sides are compared in NFC, scalar by scalar.
-bool unicodeLess(const QString& a, const QString& b)
+// equal because both sides are compared in NFC, scalar by scalar. The key is made once
+// per name, not once per comparison.
+QList<uint> unicodeOrderKey(const QString& text)
 {
-    const auto left = a.normalized(QString::NormalizationForm_C).toUcs4();
-    const auto right = b.normalized(QString::NormalizationForm_C).toUcs4();
-    return std::lexicographical_compare(left.begin(), left.end(), right.begin(), right.end());
+    return text.normalized(QString::NormalizationForm_C).toUcs4();
 }
 
 } // namespace
@@ -175,12 +174,13 @@ std::vector<RunningApplicationRef> WindowMinimizer::managedApps()
         apps.push_back(std::move(app));
     }
 
-    std::vector<std::pair<QString, RunningApplicationRef>> named;
+    std::vector<std::pair<QList<uint>, RunningApplicationRef>> named;
     named.reserve(apps.size());
     for (auto& app : apps)
-        named.emplace_back(fromUtf8(app->localizedName()), std::move(app));
-    std::stable_sort(named.begin(), named.end(),
-                     [](const auto& a, const auto& b) { return unicodeLess(a.first, b.first); });
+        named.emplace_back(unicodeOrderKey(fromUtf8(app->localizedName())), std::move(app));
+    std::stable_sort(named.begin(), named.end(), [](const auto& a, const auto& b) {
+        return std::lexicographical_compare(a.first.begin(), a.first.end(), b.first.begin(), b.first.end());
+    });
 
     std::vector<RunningApplicationRef> sorted;
     sorted.reserve(named.size());
