@@ -23,7 +23,7 @@ constexpr int kMaxAncestorDepth = 128;
 
 bool LinuxRunningApplication::isTerminated() const
 {
-    return !processIsAlive(m_state.pid);
+    return !m_workspace.isProcessAlive(m_state.pid);
 }
 
 bool LinuxRunningApplication::hide()
@@ -133,6 +133,7 @@ LinuxWorkspace::buildTable(std::shared_ptr<const WindowSnapshot> snapshot)
         table->apps.push_back(app);
         table->byPid.emplace(pid, app);
     }
+    m_liveness.keepOnly(order);
     return table;
 }
 

@@ -155,6 +155,65 @@ ProcStatusCache::~ProcStatusCache()
         ::close(file.fd);
 }
 
+namespace {
+
+// The state letter of a /proc/PID/stat text: after the last ')' (the name may hold any).
+bool statSaysAlive(std::string_view stat)
+{
+    const auto paren = stat.rfind(')');
+    if (paren == std::string_view::npos || paren + 2 >= stat.size())
+        return true;
+    const char state = stat[paren + 2];
+    return state != 'Z' && state != 'X' && state != 'x';
+}
+
+} // namespace
+
+ProcessLiveness::~ProcessLiveness()
+{
+    for (const auto& [pid, fd] : m_files)
+        ::close(fd);
+}
+
+bool ProcessLiveness::isAlive(std::int32_t pid)
+{
+    if (pid <= 0)
+        return false;
+    char buffer[512];
+    auto kept = m_files.find(pid);
+    if (kept == m_files.end()) {
+        char path[32];
+        std::snprintf(path, sizeof path, "/proc/%d/stat", pid);
+        const int fd = ::open(path, O_RDONLY | O_CLOEXEC);
+        if (fd < 0)
+            return false;
+        kept = m_files.emplace(pid, fd).first;
+    }
+    ssize_t n;
+    do
+        n = ::pread(kept->second, buffer, sizeof buffer, 0);
+    while (n < 0 && errno == EINTR);
+    if (n <= 0) {
+        // ESRCH: the process this file was opened for has gone.
+        ::close(kept->second);
+        m_files.erase(kept);
+        return false;
+    }
+    return statSaysAlive(std::string_view(buffer, static_cast<std::size_t>(n)));
+}
+
+void ProcessLiveness::keepOnly(const std::vector<std::int32_t>& pids)
+{
+    for (auto it = m_files.begin(); it != m_files.end();) {
+        if (std::find(pids.begin(), pids.end(), it->first) == pids.end()) {
+            ::close(it->second);
+            it = m_files.erase(it);
+        } else {
+            ++it;
+        }
+    }
+}
+
 void ProcStatusCache::beginPass()
 {
     m_entries.clear();
