@@ -302,7 +302,8 @@ class Runner:
         bed.set_xterms(20)
         bed.set_processes(200)
         if program is None:
-            program = os.path.join(self.build, "src", "app", "stowly")
+            program = next((p for p in (os.path.join(self.build, "bin", "stowly"),
+                                        os.path.join(self.build, "src", "app", "stowly")) if os.path.exists(p)), "")
         if os.path.exists(program):
             what = f"{os.path.basename(program)} with its tray icon, panel closed"
             # The program's tray icon needs a tray: tint2's default panel has one.
@@ -316,6 +317,7 @@ class Runner:
         time.sleep(5)   # start-up is not rest
         if process.poll() is not None:
             raise RuntimeError(f"{program} exited at once ({process.returncode})")
+        bed.set_processes(200)   # others' processes come and go on a shared machine
         ticks = os.sysconf("SC_CLK_TCK")
 
         def cpu():
@@ -466,7 +468,7 @@ def main():
     parser.add_argument("--windows", default="45,200")
     parser.add_argument("--rest-seconds", type=int, default=60)
     parser.add_argument("--rest-program", default=None,
-                        help="the program to measure at rest (default: BUILD/src/app/stowly, else a minimal host)")
+                        help="the program to measure at rest (default: BUILD/bin/stowly, else a minimal host)")
     parser.add_argument("--max-load", type=float, default=3.0)
     args = parser.parse_args()
 
