@@ -455,6 +455,22 @@ def machine_note(results, started):
             "the process count. Counts are of the whole machine (/proc) and of _NET_CLIENT_LIST.")
 
 
+READING_NOTES = """How to read it:
+
+- Floors are the C programs in `../shared/floors/` (`refresh`: one whole app-list-and-memory refresh,
+  open/read/close of every `/proc/PID/status`, or with kept-open files; `xmin`: one batch of ICCCM
+  iconify requests). They run in the same rounds as our benchmarks, alternating with them.
+- "Our side" of a bulk action is the time until `WindowMinimizer::minimizeAllWindows()` /
+  `closeAllWindows()` returns: listing the apps, reading their windows (the display changed since the
+  last read: the windows were just restored or opened) and one request per window. "Until applied" runs
+  until every target window carries `_NET_WM_STATE_HIDDEN`, or has left `_NET_CLIENT_LIST` for close.
+  There is no floor for closing.
+- The other tools are timed whole, as a user runs them once; their ratio is their time over ours.
+- At rest: CPU time of the program (utime + stime from `/proc/PID/stat`) over the interval, with its
+  one-second refresh running and nothing else happening on the display.
+"""
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("build")
@@ -470,7 +486,15 @@ def main():
     parser.add_argument("--rest-program", default=None,
                         help="the program to measure at rest (default: BUILD/bin/stowly, else a minimal host)")
     parser.add_argument("--max-load", type=float, default=3.0)
+    parser.add_argument("--report-only", default=None, metavar="JSON",
+                        help="write the table of an earlier run (BUILD/bench-results.json) without measuring")
     args = parser.parse_args()
+
+    if args.report_only:
+        with open(args.report_only) as f:
+            saved = json.load(f)
+        write_report(saved["results"], saved["rest"], datetime.datetime.fromisoformat(saved["started"]), args.output)
+        return
 
     def leave(signum, _frame):
         raise SystemExit(128 + signum)
@@ -498,17 +522,22 @@ def main():
     finally:
         bed.stop()
 
+    with open(os.path.join(args.build, "bench-results.json"), "w") as f:
+        json.dump({"results": results, "rest": rest, "started": started.isoformat()}, f, indent=1)
+    write_report(results, rest, started, args.output)
+
+
+def write_report(results, rest, started, output):
     table = build_table(results, rest)
     print(table)
-    if args.output:
-        with open(args.output, "w") as f:
+    if output:
+        with open(output, "w") as f:
             f.write("# Benchmarks\n\n")
             f.write("Produced by `scripts/bench`. Every figure is a median; ratios are medians of the ratios "
                     "measured side by side in each round, because the machine is shared and noisy.\n\n")
             f.write(machine_note(results, started) + "\n\n")
-            f.write(table + "\n")
-    with open(os.path.join(args.build, "bench-results.json"), "w") as f:
-        json.dump({"results": results, "rest": rest}, f, indent=1)
+            f.write(table + "\n\n")
+            f.write(READING_NOTES)
 
 
 if __name__ == "__main__":
