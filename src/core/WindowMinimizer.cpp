@@ -28,12 +28,11 @@ QString fromUtf8(const std::optional<std::string>& text)
 }
 
 // Plain, case-sensitive order of the Unicode text; canonically equivalent texts compare
-// equal because both sides are compared in NFC, scalar by scalar.
-bool unicodeLess(const QString& a, const QString& b)
+// equal because both sides are compared in NFC, scalar by scalar. The key is made once
+// per name, not once per comparison.
+QList<uint> unicodeOrderKey(const QString& text)
 {
-    const auto left = a.normalized(QString::NormalizationForm_C).toUcs4();
-    const auto right = b.normalized(QString::NormalizationForm_C).toUcs4();
-    return std::lexicographical_compare(left.begin(), left.end(), right.begin(), right.end());
+    return text.normalized(QString::NormalizationForm_C).toUcs4();
 }
 
 } // namespace
@@ -175,12 +174,13 @@ std::vector<RunningApplicationRef> WindowMinimizer::managedApps()
         apps.push_back(std::move(app));
     }
 
-    std::vector<std::pair<QString, RunningApplicationRef>> named;
+    std::vector<std::pair<QList<uint>, RunningApplicationRef>> named;
     named.reserve(apps.size());
     for (auto& app : apps)
-        named.emplace_back(fromUtf8(app->localizedName()), std::move(app));
-    std::stable_sort(named.begin(), named.end(),
-                     [](const auto& a, const auto& b) { return unicodeLess(a.first, b.first); });
+        named.emplace_back(unicodeOrderKey(fromUtf8(app->localizedName())), std::move(app));
+    std::stable_sort(named.begin(), named.end(), [](const auto& a, const auto& b) {
+        return std::lexicographical_compare(a.first.begin(), a.first.end(), b.first.begin(), b.first.end());
+    });
 
     std::vector<RunningApplicationRef> sorted;
     sorted.reserve(named.size());
@@ -193,6 +193,7 @@ std::vector<RunningAppInfo> WindowMinimizer::runningApps()
 {
     // One sample of the process table serves every app of this call.
     const std::vector<ProcessMemoryRecord> records = groupedProcessMemory();
+    const auto lowerBundles = lowerBundleIdentifiers(records);
 
     std::vector<RunningAppInfo> infos;
     for (const auto& app : managedApps()) {
@@ -203,7 +204,7 @@ std::vector<RunningAppInfo> WindowMinimizer::runningApps()
             app->icon(),
             app->isHidden(),
             app->isActive(),
-            totalMemory(*app, records),
+            totalMemory(*app, records, lowerBundles),
         });
     }
 
@@ -339,9 +340,11 @@ std::vector<ProcessMemoryRecord> WindowMinimizer::groupedProcessMemory()
             if (auto identifier = app->bundleIdentifier())
                 bundleIdentifier = QString::fromStdString(*identifier);
         }
+        // The lower-cased fallback is computed only when normalizing gave nothing.
+        auto normalized = normalizedProcessName(name);
         records.push_back(ProcessMemoryRecord{
             pid,
-            normalizedProcessName(name).value_or(name->toLower()),
+            normalized ? std::move(*normalized) : name->toLower(),
             std::move(bundleIdentifier),
             *memory,
         });
@@ -349,8 +352,26 @@ std::vector<ProcessMemoryRecord> WindowMinimizer::groupedProcessMemory()
     return records;
 }
 
+std::vector<std::optional<QString>> WindowMinimizer::lowerBundleIdentifiers(
+    const std::vector<ProcessMemoryRecord>& processMemory)
+{
+    std::vector<std::optional<QString>> lower;
+    lower.reserve(processMemory.size());
+    for (const auto& record : processMemory)
+        lower.push_back(record.bundleIdentifier ? std::optional<QString>(record.bundleIdentifier->toLower())
+                                                : std::nullopt);
+    return lower;
+}
+
 std::optional<std::uint64_t> WindowMinimizer::totalMemory(const RunningApplication& app,
                                                           const std::vector<ProcessMemoryRecord>& processMemory)
+{
+    return totalMemory(app, processMemory, lowerBundleIdentifiers(processMemory));
+}
+
+std::optional<std::uint64_t> WindowMinimizer::totalMemory(const RunningApplication& app,
+                                                          const std::vector<ProcessMemoryRecord>& processMemory,
+                                                          const std::vector<std::optional<QString>>& lowerBundles)
 {
     std::optional<QString> bundle;
     if (auto identifier = app.bundleIdentifier())
@@ -360,9 +381,9 @@ std::optional<std::uint64_t> WindowMinimizer::totalMemory(const RunningApplicati
         name = normalizedProcessName(QString::fromStdString(*localized));
     const QString helperPrefix = name ? *name + QStringLiteral(" helper") : QString();
 
-    auto belongs = [&](const ProcessMemoryRecord& record) {
+    auto belongs = [&](const ProcessMemoryRecord& record, const std::optional<QString>& recordBundle) {
         // A bundle mismatch does not exclude: the name rule may still claim the process.
-        if (bundle && record.bundleIdentifier && record.bundleIdentifier->toLower() == *bundle)
+        if (bundle && recordBundle && *recordBundle == *bundle)
             return true;
         if (name)
             return record.normalizedName == *name || record.normalizedName.startsWith(helperPrefix);
@@ -371,8 +392,9 @@ std::optional<std::uint64_t> WindowMinimizer::totalMemory(const RunningApplicati
 
     bool matched = false;
     std::uint64_t sum = 0;
-    for (const auto& record : processMemory) {
-        if (belongs(record)) {
+    for (std::size_t i = 0; i < processMemory.size(); ++i) {
+        const auto& record = processMemory[i];
+        if (belongs(record, lowerBundles[i])) {
             matched = true;
             sum = checkedAdd<std::uint64_t>(sum, record.memoryBytes);
         }

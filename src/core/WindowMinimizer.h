@@ -57,6 +57,14 @@ public:
                                              const std::vector<ProcessMemoryRecord>& processMemory);
 
 private:
+    // totalMemory with the records' bundle identifiers already lower-cased (same order),
+    // so that one refresh lower-cases each of them once rather than once per app.
+    std::optional<std::uint64_t> totalMemory(const RunningApplication& app,
+                                             const std::vector<ProcessMemoryRecord>& processMemory,
+                                             const std::vector<std::optional<QString>>& lowerBundles);
+    static std::vector<std::optional<QString>> lowerBundleIdentifiers(
+        const std::vector<ProcessMemoryRecord>& processMemory);
+
     template <typename WindowOperation>
     std::int64_t countOverManagedWindows(WindowOperation operation);
 

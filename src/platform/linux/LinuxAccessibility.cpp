@@ -69,7 +69,7 @@ AXError LinuxAccessibility::copyAttributeValue(const AXElementRef& element, cons
         }
         if (attribute != kAXWindowsAttribute)
             return kAXErrorAttributeUnsupported;
-        const auto snapshot = takeWindowSnapshot(m_x, nullptr);
+        const auto snapshot = windowSnapshotFor(m_x, app->pid);
         if (!snapshot->connected)
             return kAXErrorCannotComplete;
         AXElementList windows;

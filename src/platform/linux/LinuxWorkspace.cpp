@@ -23,7 +23,7 @@ constexpr int kMaxAncestorDepth = 128;
 
 bool LinuxRunningApplication::isTerminated() const
 {
-    return !processIsAlive(m_state.pid);
+    return !m_workspace.isProcessAlive(m_state.pid);
 }
 
 bool LinuxRunningApplication::hide()
@@ -76,7 +76,7 @@ void LinuxWorkspace::beginProcessPass()
 std::shared_ptr<const LinuxWorkspace::AppTable> LinuxWorkspace::freshTable()
 {
     m_entries.refreshIfChanged();
-    return buildTable(takeWindowSnapshot(m_x, &m_icons));
+    return buildTable(currentWindowSnapshot(m_x, m_icons));
 }
 
 std::shared_ptr<const LinuxWorkspace::AppTable>
@@ -84,6 +84,7 @@ LinuxWorkspace::buildTable(std::shared_ptr<const WindowSnapshot> snapshot)
 {
     auto table = std::make_shared<AppTable>();
     table->snapshot = snapshot;
+    table->builtAt = std::chrono::steady_clock::now();
     std::vector<std::int32_t> order;
     std::unordered_map<std::int32_t, std::vector<const ClientWindow*>> windowsByPid;
     for (const ClientWindow& w : snapshot->windows) {
@@ -132,6 +133,7 @@ LinuxWorkspace::buildTable(std::shared_ptr<const WindowSnapshot> snapshot)
         table->apps.push_back(app);
         table->byPid.emplace(pid, app);
     }
+    m_liveness.keepOnly(order);
     return table;
 }
 
@@ -140,7 +142,7 @@ std::vector<RunningApplicationRef> LinuxWorkspace::runningApplications()
     std::shared_ptr<const AppTable> table;
     // Within a refresh the process walk came first; its snapshot is the same moment.
     if (m_passOpen && m_passTable &&
-        std::chrono::steady_clock::now() - m_passTable->snapshot->takenAt < kPassSnapshotLifetime)
+        std::chrono::steady_clock::now() - m_passTable->builtAt < kPassSnapshotLifetime)
         table = m_passTable;
     else
         table = freshTable();
@@ -157,7 +159,7 @@ RunningApplicationRef LinuxWorkspace::runningApplication(std::int32_t pid)
     std::shared_ptr<const AppTable> table;
     if (m_passOpen) {
         if (!m_passTable ||
-            std::chrono::steady_clock::now() - m_passTable->snapshot->takenAt >= kPassSnapshotLifetime) {
+            std::chrono::steady_clock::now() - m_passTable->builtAt >= kPassSnapshotLifetime) {
             m_passTable = freshTable();
             m_ancestorMemo.clear();
         }

@@ -61,6 +61,9 @@ public:
     // A pass over the process table started: the lookups of that pass share one snapshot.
     void beginProcessPass();
 
+    // processIsAlive through a kept-open /proc/PID/stat of each listed app.
+    bool isProcessAlive(std::int32_t pid) { return m_liveness.isAlive(pid); }
+
     // Requests on the live windows of a process (re-read, not taken from a snapshot).
     bool hideProcess(std::int32_t pid);
     bool activateProcess(std::int32_t pid);
@@ -69,6 +72,7 @@ public:
 private:
     struct AppTable {
         std::shared_ptr<const WindowSnapshot> snapshot;
+        std::chrono::steady_clock::time_point builtAt;   // a reused snapshot may be older
         std::vector<RunningApplicationRef> apps;   // first-listed window order
         std::unordered_map<std::int32_t, RunningApplicationRef> byPid;
     };
@@ -81,6 +85,7 @@ private:
     ProcStatusCache& m_proc;
     DesktopEntries& m_entries;
     IconCache m_icons;
+    ProcessLiveness m_liveness;
 
     bool m_passOpen = false;
     std::shared_ptr<const AppTable> m_passTable;

@@ -3,10 +3,13 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/resource.h>
+#include <sys/select.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <string_view>
 
@@ -72,7 +75,7 @@ std::optional<std::string> readProcFile(const std::string& path, std::size_t lim
     return out;
 }
 
-ProcStatus parseProcStatus(const std::string& text)
+ProcStatus parseProcStatus(std::string_view text)
 {
     ProcStatus status;
     status.readable = true;
@@ -88,7 +91,15 @@ ProcStatus parseProcStatus(const std::string& text)
             continue;
         const std::string_view key = line.substr(0, colon);
         const std::string_view value = line.substr(colon + 1);
-        if (key == "State") {
+        if (key == "Name") {
+            std::string_view name = value;
+            if (!name.empty() && name.front() == '\t')
+                name.remove_prefix(1);
+            // comm is at most 15 bytes; a longer line can only come from escapes.
+            status.nameIsExact = name.size() <= 15 && name.find('\\') == std::string_view::npos;
+            if (status.nameIsExact)
+                status.name.assign(name);
+        } else if (key == "State") {
             const auto letter = value.find_first_not_of(" \t");
             if (letter != std::string_view::npos)
                 status.state = value[letter];
@@ -125,10 +136,133 @@ bool processIsAlive(std::int32_t pid)
     return state != 'Z' && state != 'X' && state != 'x';
 }
 
+ProcStatusCache::ProcStatusCache() : m_buffer(16 * 1024)
+{
+    // Keep files open only while that leaves most descriptors to the rest of the program
+    // and stays clear of FD_SETSIZE for any library that still uses select().
+    rlimit limit{};
+    if (::getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY) {
+        const rlim_t usable = std::min<rlim_t>(limit.rlim_cur, FD_SETSIZE);
+        m_maxOpenFiles = usable > 256 ? static_cast<std::size_t>(usable - 256) : 0;
+    } else {
+        m_maxOpenFiles = FD_SETSIZE - 256;
+    }
+}
+
+ProcStatusCache::~ProcStatusCache()
+{
+    for (const auto& [pid, file] : m_files)
+        ::close(file.fd);
+}
+
+namespace {
+
+// The state letter of a /proc/PID/stat text: after the last ')' (the name may hold any).
+bool statSaysAlive(std::string_view stat)
+{
+    const auto paren = stat.rfind(')');
+    if (paren == std::string_view::npos || paren + 2 >= stat.size())
+        return true;
+    const char state = stat[paren + 2];
+    return state != 'Z' && state != 'X' && state != 'x';
+}
+
+} // namespace
+
+ProcessLiveness::~ProcessLiveness()
+{
+    for (const auto& [pid, fd] : m_files)
+        ::close(fd);
+}
+
+bool ProcessLiveness::isAlive(std::int32_t pid)
+{
+    if (pid <= 0)
+        return false;
+    char buffer[512];
+    auto kept = m_files.find(pid);
+    if (kept == m_files.end()) {
+        char path[32];
+        std::snprintf(path, sizeof path, "/proc/%d/stat", pid);
+        const int fd = ::open(path, O_RDONLY | O_CLOEXEC);
+        if (fd < 0)
+            return false;
+        kept = m_files.emplace(pid, fd).first;
+    }
+    ssize_t n;
+    do
+        n = ::pread(kept->second, buffer, sizeof buffer, 0);
+    while (n < 0 && errno == EINTR);
+    if (n <= 0) {
+        // ESRCH: the process this file was opened for has gone.
+        ::close(kept->second);
+        m_files.erase(kept);
+        return false;
+    }
+    return statSaysAlive(std::string_view(buffer, static_cast<std::size_t>(n)));
+}
+
+void ProcessLiveness::keepOnly(const std::vector<std::int32_t>& pids)
+{
+    for (auto it = m_files.begin(); it != m_files.end();) {
+        if (std::find(pids.begin(), pids.end(), it->first) == pids.end()) {
+            ::close(it->second);
+            it = m_files.erase(it);
+        } else {
+            ++it;
+        }
+    }
+}
+
 void ProcStatusCache::beginPass()
 {
     m_entries.clear();
+    for (auto it = m_files.begin(); it != m_files.end();) {
+        if (!it->second.used) {
+            ::close(it->second.fd);
+            it = m_files.erase(it);
+        } else {
+            it->second.used = false;
+            ++it;
+        }
+    }
     m_passStart = std::chrono::steady_clock::now();
+}
+
+// Fills m_buffer with the status text of pid; false when the process cannot be read.
+bool ProcStatusCache::readStatus(std::int32_t pid, std::size_t& length)
+{
+    const auto kept = m_files.find(pid);
+    if (kept != m_files.end()) {
+        kept->second.used = true;
+        const ssize_t n = ::pread(kept->second.fd, m_buffer.data(), m_buffer.size(), 0);
+        if (n > 0 && static_cast<std::size_t>(n) < m_buffer.size()) {
+            length = static_cast<std::size_t>(n);
+            return true;
+        }
+        // The process this file belonged to is gone (the pid may be someone else's now).
+        ::close(kept->second.fd);
+        m_files.erase(kept);
+    }
+    char path[32];
+    std::snprintf(path, sizeof path, "/proc/%d/status", pid);
+    const int fd = ::open(path, O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
+        return false;
+    ssize_t n;
+    do
+        n = ::read(fd, m_buffer.data(), m_buffer.size());
+    while (n < 0 && errno == EINTR);
+    if (n <= 0 || static_cast<std::size_t>(n) >= m_buffer.size()) {
+        ::close(fd);
+        return false;
+    }
+    length = static_cast<std::size_t>(n);
+    if (m_files.size() < m_maxOpenFiles)
+        m_files.emplace(pid, OpenFile{fd, true});
+    else
+        ::close(fd);
+    return true;
 }
 
 const ProcStatus& ProcStatusCache::status(std::int32_t pid)
@@ -139,10 +273,10 @@ const ProcStatus& ProcStatusCache::status(std::int32_t pid)
     if (it != m_entries.end())
         return it->second;
     ProcStatus status;
-    if (pid > 0)
-        if (const auto text = readProcFile(pidPath(pid, "status")))
-            status = parseProcStatus(*text);
-    return m_entries.emplace(pid, status).first->second;
+    std::size_t length = 0;
+    if (pid > 0 && readStatus(pid, length))
+        status = parseProcStatus(std::string_view(m_buffer.data(), length));
+    return m_entries.emplace(pid, std::move(status)).first->second;
 }
 
 std::vector<std::int32_t> LinuxProcessTable::scan() const
@@ -197,12 +331,19 @@ int LinuxProcessTable::name(std::int32_t pid, char* buffer, std::uint32_t buffer
 {
     if (buffer == nullptr || bufferSize == 0 || pid <= 0)
         return 0;
-    auto comm = readProcFile(pidPath(pid, "comm"), 256);
-    if (!comm)
-        return 0;
-    if (!comm->empty() && comm->back() == '\n')
-        comm->pop_back();
-    std::string name = *comm;
+    // The status read of this pass serves the name as well as the memory.
+    const ProcStatus& status = m_cache.status(pid);
+    std::string name;
+    if (status.readable && status.nameIsExact) {
+        name = status.name;
+    } else {
+        auto comm = readProcFile(pidPath(pid, "comm"), 256);
+        if (!comm)
+            return 0;
+        if (!comm->empty() && comm->back() == '\n')
+            comm->pop_back();
+        name = std::move(*comm);
+    }
     // The kernel keeps 15 bytes of a name; argv[0] often has the whole of it.
     if (name.size() == 15) {
         if (const auto cmdline = readProcFile(pidPath(pid, "cmdline"), 4096)) {

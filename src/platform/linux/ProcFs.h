@@ -7,6 +7,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -18,26 +19,66 @@ struct ProcStatus {
     char state = '?';
     std::int32_t ppid = -1;
     std::optional<std::uint64_t> vmRssKb, rssAnonKb, rssShmemKb, vmSwapKb;
+    // The "Name:" line as the kernel escapes it; equal to /proc/PID/comm unless it holds
+    // a backslash (the kernel's escape character), which only comm gives unescaped.
+    std::string name;   // at most 15 bytes: never allocates
+    bool nameIsExact = false;
 };
 
 // /proc/PID/status per process for the current pass over the process table, so that the
-// memory calls and the parent lookups of one refresh read each file only once.
+// memory, name and parent lookups of one refresh read each file only once. The files stay
+// open between passes (re-read from offset 0), which spares an open and a close per
+// process and refresh, as long as the descriptor limit leaves ample room.
 class ProcStatusCache {
 public:
-    // Starts a new pass: forgets everything read before.
+    ProcStatusCache();
+    ~ProcStatusCache();
+    ProcStatusCache(const ProcStatusCache&) = delete;
+    ProcStatusCache& operator=(const ProcStatusCache&) = delete;
+
+    // Starts a new pass: forgets everything read before, closes the files of processes
+    // the previous pass did not ask about.
     void beginPass();
     const ProcStatus& status(std::int32_t pid);
 
 private:
+    struct OpenFile {
+        int fd = -1;
+        bool used = false;   // asked about in the current pass
+    };
+    bool readStatus(std::int32_t pid, std::size_t& length);
+
     std::unordered_map<std::int32_t, ProcStatus> m_entries;
+    std::unordered_map<std::int32_t, OpenFile> m_files;
+    std::size_t m_maxOpenFiles = 0;
+    std::vector<char> m_buffer;
     std::chrono::steady_clock::time_point m_passStart{};
 };
 
 // Reads a small /proc file whole; nullopt when it cannot be read.
 std::optional<std::string> readProcFile(const std::string& path, std::size_t limit = 64 * 1024);
-ProcStatus parseProcStatus(const std::string& text);
+ProcStatus parseProcStatus(std::string_view text);
 // The process exists and is not a zombie.
 bool processIsAlive(std::int32_t pid);
+
+// The same question for the processes asked about again and again (the apps of the
+// workspace): each through its own /proc/PID/stat kept open, so that asking costs one
+// read. A file stays bound to the process it was opened for: once that process is gone
+// the read fails, even if its pid has been given to a new process since.
+class ProcessLiveness {
+public:
+    ProcessLiveness() = default;
+    ~ProcessLiveness();
+    ProcessLiveness(const ProcessLiveness&) = delete;
+    ProcessLiveness& operator=(const ProcessLiveness&) = delete;
+
+    bool isAlive(std::int32_t pid);
+    // Closes the files of every other process.
+    void keepOnly(const std::vector<std::int32_t>& pids);
+
+private:
+    std::unordered_map<std::int32_t, int> m_files;
+};
 
 // proc_listallpids & co. over /proc.
 class LinuxProcessTable : public ProcessTable {

@@ -59,10 +59,32 @@ AXError finish(XConnection& x)
     return x.sync() ? kAXErrorSuccess : kAXErrorCannotComplete;
 }
 
+// Without a round trip: a window we watch exists as far as the server has told us (its
+// destruction would have ended the watch), so a request to it needs no check of its own.
+// The server handles our requests in order, so whatever we read next already sees this
+// request delivered; the connection's own end does a round trip before it closes.
+AXError finishWithoutWaiting(XConnection& x)
+{
+    xcb_flush(x.get());
+    return x.isConnected() ? kAXErrorSuccess : kAXErrorCannotComplete;
+}
+
+bool knownToExist(XConnection& x, xcb_window_t window)
+{
+    if (!x.isConnected())
+        return false;
+    x.drainEvents();
+    return x.isWatched(window);
+}
+
 } // namespace
 
 AXError requestIconify(XConnection& x, xcb_window_t window)
 {
+    if (knownToExist(x, window)) {
+        x.sendToRoot(window, Atom::WM_CHANGE_STATE, {XCB_ICCCM_WM_STATE_ICONIC, 0, 0, 0, 0});
+        return finishWithoutWaiting(x);
+    }
     const Existence existence = checkWindow(x, window, false);
     if (existence.error != kAXErrorSuccess)
         return existence.error;
@@ -72,11 +94,21 @@ AXError requestIconify(XConnection& x, xcb_window_t window)
 
 AXError requestClose(XConnection& x, xcb_window_t window)
 {
-    const Existence existence = checkWindow(x, window, true);
-    if (existence.error != kAXErrorSuccess)
-        return existence.error;
-    const xcb_timestamp_t time = x.serverTime();
-    if (existence.wmSupportsClose) {
+    const bool watched = knownToExist(x, window) && x.wmSupportsClose().has_value();
+    bool wmSupportsClose = false;
+    if (watched) {
+        wmSupportsClose = *x.wmSupportsClose();
+    } else {
+        const Existence existence = checkWindow(x, window, true);
+        if (existence.error != kAXErrorSuccess)
+            return existence.error;
+        wmSupportsClose = existence.wmSupportsClose;
+        x.setWmSupportsClose(wmSupportsClose);
+    }
+    // A close asked for within the same second as the last event we saw may carry that
+    // event's server time, as a user action of that moment would.
+    const xcb_timestamp_t time = x.recentServerTime(std::chrono::seconds(1));
+    if (wmSupportsClose) {
         x.sendToRoot(window, Atom::NET_CLOSE_WINDOW, {time, kSourcePager, 0, 0, 0});
     } else {
         xcb_client_message_event_t event;
@@ -89,7 +121,7 @@ AXError requestClose(XConnection& x, xcb_window_t window)
         event.data.data32[1] = time;
         xcb_send_event(x.get(), 0, window, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char*>(&event));
     }
-    return finish(x);
+    return watched ? finishWithoutWaiting(x) : finish(x);
 }
 
 AXError requestActivate(XConnection& x, const std::vector<xcb_window_t>& windows)

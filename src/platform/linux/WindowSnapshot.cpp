@@ -7,6 +7,8 @@
 #include <xcb/xcb_icccm.h>
 
 #include <algorithm>
+#include <array>
+#include <unordered_map>
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
@@ -87,13 +89,40 @@ std::optional<std::string> textOf(const Property& p, const XConnection& x)
     return latin1OrUtf8ToUtf8(text);
 }
 
+// The properties a snapshot reads, in the order their requests are sent.
+enum Prop { kPid, kType, kState, kWmState, kWmClass, kHidden, kTransient, kProtocols, kGtkId, kKdeFile, kNetName,
+            kWmName, kPropCount };
+
+std::array<xcb_atom_t, kPropCount> propertyAtoms(const XConnection& x)
+{
+    return {x.atom(Atom::NET_WM_PID), x.atom(Atom::NET_WM_WINDOW_TYPE), x.atom(Atom::NET_WM_STATE),
+            x.atom(Atom::WM_STATE), XCB_ATOM_WM_CLASS, x.atom(Atom::STOWLY_HIDDEN), XCB_ATOM_WM_TRANSIENT_FOR,
+            x.atom(Atom::WM_PROTOCOLS), x.atom(Atom::GTK_APPLICATION_ID), x.atom(Atom::KDE_NET_WM_DESKTOP_FILE),
+            x.atom(Atom::NET_WM_NAME), XCB_ATOM_WM_NAME};
+}
+
+constexpr std::array<std::uint32_t, kPropCount> kPropLongs = {1, 64, 64, 2, kMaxTextLongs, 1, 1, 64, kMaxTextLongs,
+                                                               kMaxTextLongs, kMaxTextLongs, kMaxTextLongs};
+
 struct WindowCookies {
-    xcb_get_property_cookie_t pid, type, state, wmState, wmClass, hidden, transient, protocols, gtkId, kdeFile,
-        netName, wmName, icon;
+    std::array<xcb_get_property_cookie_t, kPropCount> prop{};
+    std::array<bool, kPropCount> asked{};
+    xcb_get_property_cookie_t icon{};
     xcb_res_query_client_ids_cookie_t res{};
     bool askedRes = false;
     bool askedIcon = false;
 };
+
+// Whether a window's description taken at `serial` still holds in full.
+bool unchangedSince(const XConnection& x, const ClientWindow& w, std::uint64_t serial)
+{
+    if (w.vanished || !x.isWatched(w.id))
+        return false;
+    for (const xcb_atom_t atom : propertyAtoms(x))
+        if (x.propertyChangedSince(w.id, atom, serial))
+            return false;
+    return true;
+}
 
 } // namespace
 
@@ -133,6 +162,8 @@ std::shared_ptr<const WindowSnapshot> takeWindowSnapshot(XConnection& x, IconCac
     x.drainEvents();
     xcb_connection_t* c = x.get();
     snapshot->generation = x.generation();
+    // Events handled from here on may describe changes after the root's lists were read.
+    snapshot->listSerial = x.eventSerial();
 
     // Stage 1: what the window manager lists.
     const auto listCookie = request(c, x.root(), x.atom(Atom::NET_CLIENT_LIST), kMaxListLongs);
@@ -157,30 +188,50 @@ std::shared_ptr<const WindowSnapshot> takeWindowSnapshot(XConnection& x, IconCac
     if (active.type == XCB_ATOM_WINDOW && !active.longs().empty())
         snapshot->activeWindow = active.longs().front();
 
-    // Stage 2: every property of every window, sent before any reply is read.
+    // A window the previous snapshot of this connection described, that we have watched
+    // ever since, keeps that description except for the properties that changed since;
+    // only those are read again. Everything is read for the others.
+    const auto base = x.latestSnapshot();
+    std::unordered_map<xcb_window_t, const ClientWindow*> known;
+    if (base && base->connected && base->generation == x.generation()) {
+        x.drainEvents();
+        for (const ClientWindow& w : base->windows)
+            if (!w.vanished && x.isWatched(w.id))
+                known.emplace(w.id, &w);
+    }
+    const auto atoms = propertyAtoms(x);
+
+    // Stage 2: the needed properties of every window, sent before any reply is read. The
+    // event selections go first, so that any change after our reads is reported to us.
+    for (const ClientWindow& w : snapshot->windows)
+        x.watchWindow(w.id);
+    const std::uint64_t serial = x.eventSerial();
+    snapshot->serial = serial;
     std::vector<WindowCookies> cookies(snapshot->windows.size());
     for (std::size_t i = 0; i < snapshot->windows.size(); ++i) {
-        const xcb_window_t w = snapshot->windows[i].id;
+        ClientWindow& w = snapshot->windows[i];
         WindowCookies& k = cookies[i];
-        if (x.hasResourceExtension()) {
-            const xcb_res_client_id_spec_t spec{w, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+        // Where the pid came from (X-Resource or _NET_WM_PID) is not kept: a changed
+        // _NET_WM_PID means reading the window afresh.
+        const auto previous = known.find(w.id);
+        const bool incremental =
+            previous != known.end() && !x.propertyChangedSince(w.id, atoms[kPid], base->serial);
+        if (incremental) {
+            w = *previous->second;
+        } else if (x.hasResourceExtension()) {
+            const xcb_res_client_id_spec_t spec{w.id, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
             k.res = xcb_res_query_client_ids_unchecked(c, 1, &spec);
             k.askedRes = true;
         }
-        k.pid = request(c, w, x.atom(Atom::NET_WM_PID), 1);
-        k.type = request(c, w, x.atom(Atom::NET_WM_WINDOW_TYPE), 64);
-        k.state = request(c, w, x.atom(Atom::NET_WM_STATE), 64);
-        k.wmState = request(c, w, x.atom(Atom::WM_STATE), 2);
-        k.wmClass = request(c, w, XCB_ATOM_WM_CLASS, kMaxTextLongs);
-        k.hidden = request(c, w, x.atom(Atom::STOWLY_HIDDEN), 1);
-        k.transient = request(c, w, XCB_ATOM_WM_TRANSIENT_FOR, 1);
-        k.protocols = request(c, w, x.atom(Atom::WM_PROTOCOLS), 64);
-        k.gtkId = request(c, w, x.atom(Atom::GTK_APPLICATION_ID), kMaxTextLongs);
-        k.kdeFile = request(c, w, x.atom(Atom::KDE_NET_WM_DESKTOP_FILE), kMaxTextLongs);
-        k.netName = request(c, w, x.atom(Atom::NET_WM_NAME), kMaxTextLongs);
-        k.wmName = request(c, w, XCB_ATOM_WM_NAME, kMaxTextLongs);
-        if (icons != nullptr && !icons->contains(w)) {
-            k.icon = request(c, w, x.atom(Atom::NET_WM_ICON), kMaxIconLongs);
+        for (int p = 0; p < kPropCount; ++p)
+            k.asked[p] = !incremental || x.propertyChangedSince(w.id, atoms[p], base->serial);
+        // The title is one of the two names: both are read whenever either changed.
+        k.asked[kNetName] = k.asked[kWmName] = k.asked[kNetName] || k.asked[kWmName];
+        for (int p = 0; p < kPropCount; ++p)
+            if (k.asked[p])
+                k.prop[p] = request(c, w.id, atoms[p], kPropLongs[p]);
+        if (icons != nullptr && !icons->contains(w.id)) {
+            k.icon = request(c, w.id, x.atom(Atom::NET_WM_ICON), kMaxIconLongs);
             k.askedIcon = true;
         }
     }
@@ -206,59 +257,78 @@ std::shared_ptr<const WindowSnapshot> takeWindowSnapshot(XConnection& x, IconCac
             std::free(reply);
             std::free(error);
         }
-        Property pid, type, state, wmState, wmClass, hidden, transient, protocols, gtkId, kdeFile, netName, wmName;
-        collect(c, k.pid, pid);
-        collect(c, k.type, type);
-        collect(c, k.state, state);
-        collect(c, k.wmState, wmState);
-        collect(c, k.wmClass, wmClass);
-        collect(c, k.hidden, hidden);
-        collect(c, k.transient, transient);
-        collect(c, k.protocols, protocols);
-        collect(c, k.gtkId, gtkId);
-        collect(c, k.kdeFile, kdeFile);
-        collect(c, k.netName, netName);
-        collect(c, k.wmName, wmName);
-        w.vanished = pid.badWindow || type.badWindow || wmState.badWindow;
+        std::array<Property, kPropCount> props;
+        for (int p = 0; p < kPropCount; ++p)
+            if (k.asked[p])
+                collect(c, k.prop[p], props[p]);
+        const Property& pid = props[kPid];
+        const Property& type = props[kType];
+        const Property& state = props[kState];
+        const Property& wmState = props[kWmState];
+        const Property& wmClass = props[kWmClass];
+        const Property& hidden = props[kHidden];
+        const Property& transient = props[kTransient];
+        const Property& protocols = props[kProtocols];
+        for (const Property& p : props)
+            if (p.badWindow)
+                w.vanished = true;
 
-        if (w.pid == 0 && pid.type == XCB_ATOM_CARDINAL) {
+        if (k.asked[kPid] && w.pid == 0 && pid.type == XCB_ATOM_CARDINAL) {
             const auto values = pid.longs();
             if (!values.empty() && values.front() > 0 && values.front() <= 0x7fffffff)
                 w.pid = static_cast<std::int32_t>(values.front());
         }
-        if (type.type == XCB_ATOM_ATOM)
-            w.types = type.longs();
-        if (state.type == XCB_ATOM_ATOM)
-            w.states = state.longs();
-        if (wmState.type == x.atom(Atom::WM_STATE)) {
-            const auto values = wmState.longs();
-            w.iconicByWmState = !values.empty() && values.front() == XCB_ICCCM_WM_STATE_ICONIC;
-        }
-        if (wmClass.present && wmClass.format == 8) {
-            // Two NUL-terminated strings: instance, then class.
-            const std::string_view all = wmClass.bytes;
-            const std::size_t split = all.find('\0');
-            w.wmClassInstance = latin1OrUtf8ToUtf8(all.substr(0, split));
-            if (split != std::string_view::npos) {
-                std::string_view rest = all.substr(split + 1);
-                rest = rest.substr(0, rest.find('\0'));
-                if (!rest.empty())
-                    w.wmClassClass = latin1OrUtf8ToUtf8(rest);
+        if (k.asked[kType])
+            w.types = type.type == XCB_ATOM_ATOM ? type.longs() : std::vector<xcb_atom_t>{};
+        if (k.asked[kState])
+            w.states = state.type == XCB_ATOM_ATOM ? state.longs() : std::vector<xcb_atom_t>{};
+        if (k.asked[kWmState]) {
+            w.iconicByWmState = false;
+            if (wmState.type == x.atom(Atom::WM_STATE)) {
+                const auto values = wmState.longs();
+                w.iconicByWmState = !values.empty() && values.front() == XCB_ICCCM_WM_STATE_ICONIC;
             }
-            if (w.wmClassInstance->empty())
-                w.wmClassInstance.reset();
         }
-        w.stowlyHidden = hidden.present && hidden.format == 32 && !hidden.longs().empty() && hidden.longs().front() != 0;
-        w.transient = transient.type == XCB_ATOM_WINDOW && !transient.longs().empty();
-        if (protocols.type == XCB_ATOM_ATOM) {
-            const auto atoms = protocols.longs();
-            w.supportsDelete = std::find(atoms.begin(), atoms.end(), x.atom(Atom::WM_DELETE_WINDOW)) != atoms.end();
+        if (k.asked[kWmClass]) {
+            w.wmClassInstance.reset();
+            w.wmClassClass.reset();
+            if (wmClass.present && wmClass.format == 8) {
+                // Two NUL-terminated strings: instance, then class.
+                const std::string_view all = wmClass.bytes;
+                const std::size_t split = all.find('\0');
+                w.wmClassInstance = latin1OrUtf8ToUtf8(all.substr(0, split));
+                if (split != std::string_view::npos) {
+                    std::string_view rest = all.substr(split + 1);
+                    rest = rest.substr(0, rest.find('\0'));
+                    if (!rest.empty())
+                        w.wmClassClass = latin1OrUtf8ToUtf8(rest);
+                }
+                if (w.wmClassInstance->empty())
+                    w.wmClassInstance.reset();
+            }
         }
-        w.gtkApplicationId = textOf(gtkId, x);
-        w.kdeDesktopFile = textOf(kdeFile, x);
-        w.title = textOf(netName, x);
-        if (!w.title)
-            w.title = textOf(wmName, x);
+        if (k.asked[kHidden])
+            w.stowlyHidden =
+                hidden.present && hidden.format == 32 && !hidden.longs().empty() && hidden.longs().front() != 0;
+        if (k.asked[kTransient])
+            w.transient = transient.type == XCB_ATOM_WINDOW && !transient.longs().empty();
+        if (k.asked[kProtocols]) {
+            w.supportsDelete = false;
+            if (protocols.type == XCB_ATOM_ATOM) {
+                const auto values = protocols.longs();
+                w.supportsDelete =
+                    std::find(values.begin(), values.end(), x.atom(Atom::WM_DELETE_WINDOW)) != values.end();
+            }
+        }
+        if (k.asked[kGtkId])
+            w.gtkApplicationId = textOf(props[kGtkId], x);
+        if (k.asked[kKdeFile])
+            w.kdeDesktopFile = textOf(props[kKdeFile], x);
+        if (k.asked[kNetName]) {
+            w.title = textOf(props[kNetName], x);
+            if (!w.title)
+                w.title = textOf(props[kWmName], x);
+        }
 
         if (k.askedIcon) {
             Property icon;
@@ -277,9 +347,53 @@ std::shared_ptr<const WindowSnapshot> takeWindowSnapshot(XConnection& x, IconCac
     x.countRoundTrip();
     if (icons != nullptr)
         icons->keepOnly(snapshot->windows);
-    if (!x.isConnected())
+    if (!x.isConnected()) {
         snapshot->connected = false;
+        return snapshot;
+    }
+    std::vector<xcb_window_t> listed;
+    listed.reserve(snapshot->windows.size());
+    for (const ClientWindow& w : snapshot->windows)
+        listed.push_back(w.id);
+    x.forgetWindowsExcept(listed);
+    snapshot->withIcons = icons != nullptr;
+    x.setLatestSnapshot(snapshot);
     return snapshot;
+}
+
+std::shared_ptr<const WindowSnapshot> currentWindowSnapshot(XConnection& x, IconCache& icons)
+{
+    if (x.ensureConnected()) {
+        x.drainEvents();   // also notices a server that went away
+        const auto latest = x.latestSnapshot();
+        if (x.isConnected() && latest && latest->connected && latest->withIcons &&
+            latest->generation == x.generation() && !x.clientListChangedSince(latest->listSerial) &&
+            !x.rootStateChangedSince(latest->listSerial) &&
+            std::none_of(latest->windows.begin(), latest->windows.end(), [&](const ClientWindow& w) {
+                return !unchangedSince(x, w, latest->serial);
+            }))
+            return latest;
+    }
+    return takeWindowSnapshot(x, &icons);
+}
+
+std::shared_ptr<const WindowSnapshot> windowSnapshotFor(XConnection& x, std::int32_t pid)
+{
+    if (x.ensureConnected()) {
+        x.drainEvents();   // also notices a server that went away
+        const auto latest = x.latestSnapshot();
+        if (x.isConnected() && latest && latest->connected && latest->generation == x.generation() &&
+            !x.clientListChangedSince(latest->listSerial)) {
+            const bool unchanged = std::none_of(latest->windows.begin(), latest->windows.end(),
+                                                [&](const ClientWindow& w) {
+                                                    return w.pid == pid &&
+                                                           !unchangedSince(x, w, latest->serial);
+                                                });
+            if (unchanged)
+                return latest;
+        }
+    }
+    return takeWindowSnapshot(x, nullptr);
 }
 
 } // namespace stowly::x11

@@ -42,6 +42,9 @@ struct WindowSnapshot {
     std::vector<xcb_window_t> stacking;           // _NET_CLIENT_LIST_STACKING, bottom to top
     xcb_window_t activeWindow = 0;
     std::chrono::steady_clock::time_point takenAt;
+    std::uint64_t listSerial = 0;   // XConnection::eventSerial() as the root's lists were read
+    std::uint64_t serial = 0;       // XConnection::eventSerial() as its windows were read
+    bool withIcons = false;     // read with an icon cache: every window's icon is filled in
 };
 
 // Icons decoded once per window and kept while the window is listed: icons rarely change
@@ -62,6 +65,18 @@ private:
 // round trips: all requests of a stage are sent before the first reply is awaited.
 // Icons are read only for windows missing from `icons` (when given).
 std::shared_ptr<const WindowSnapshot> takeWindowSnapshot(XConnection& x, IconCache* icons);
+
+// The windows of one process: the latest snapshot when, as far as the server has told us
+// (events, no round trip), neither the client list nor any window of that process has
+// changed since it was taken; otherwise a fresh snapshot. A bulk walk over many apps thus
+// reads the display once, and again only for apps whose windows changed meanwhile.
+std::shared_ptr<const WindowSnapshot> windowSnapshotFor(XConnection& x, std::int32_t pid);
+
+// The whole display as takeWindowSnapshot(x, &icons) would read it: the latest snapshot
+// taken with icons while, as far as the server has told us, nothing it describes has
+// changed (client list, stacking, active window, any window's properties or mapping);
+// otherwise a fresh one. On a quiet desktop a refresh then costs no round trip here.
+std::shared_ptr<const WindowSnapshot> currentWindowSnapshot(XConnection& x, IconCache& icons);
 
 // The icon size we look for: twice the 24-point size the panel draws.
 inline constexpr int kWantedIconSize = 48;

@@ -2,6 +2,7 @@
 
 #include <xcb/res.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
@@ -107,6 +108,7 @@ bool XConnection::connect()
     m_connection = c;
     m_root = screens.data->root;
     ++m_generation;
+    resetTracking();
 
     // Atoms and the X-Resource version in one round trip.
     std::array<xcb_intern_atom_cookie_t, static_cast<int>(Atom::Count)> cookies{};
@@ -147,6 +149,10 @@ bool XConnection::connect()
 
     // An unmapped input-only window of our own: it is no client of the window manager,
     // it only lets us read the server's clock from a PropertyNotify.
+    // Root property changes tell us when the client list or _NET_SUPPORTED change.
+    const std::uint32_t rootMask = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_change_window_attributes(c, m_root, XCB_CW_EVENT_MASK, &rootMask);
+
     m_helper = xcb_generate_id(c);
     const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
     xcb_create_window(c, XCB_COPY_FROM_PARENT, m_helper, m_root, -1, -1, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
@@ -169,14 +175,136 @@ void XConnection::disconnect()
     m_connection = nullptr;
     m_helper = 0;
     m_root = 0;
+    resetTracking();
+}
+
+void XConnection::resetTracking()
+{
+    // Nothing learnt on another connection holds on this one.
+    ++m_serial;
+    m_clientListChangedAt = m_serial;
+    m_rootStateChangedAt = m_serial;
+    m_watched.clear();
+    m_latestSnapshot.reset();
+    m_wmSupportsClose.reset();
+    m_lastServerTime = XCB_CURRENT_TIME;
 }
 
 void XConnection::drainEvents()
 {
     if (m_connection == nullptr)
         return;
-    while (xcb_generic_event_t* event = xcb_poll_for_event(m_connection))
+    // What is queued already (xcb queues events while it waits for replies), then one read
+    // of the socket and what it brought: reading again until the socket runs dry would cost
+    // a system call more per drain and only pick up events sent meanwhile. xcb reads at most
+    // 4 KiB (128 events) at a time, so a read that filled that is followed by another.
+    constexpr int kEventsPerRead = 4096 / 32;
+    auto takeQueued = [this] {
+        int count = 0;
+        while (xcb_generic_event_t* event = xcb_poll_for_queued_event(m_connection)) {
+            handleEvent(event);
+            std::free(event);
+            ++count;
+        }
+        return count;
+    };
+    takeQueued();
+    for (;;) {
+        // The queue is empty now, so this reads the socket.
+        xcb_generic_event_t* event = xcb_poll_for_event(m_connection);
+        if (event == nullptr)
+            return;
+        handleEvent(event);
         std::free(event);
+        if (1 + takeQueued() < kEventsPerRead)
+            return;
+    }
+}
+
+void XConnection::handleEvent(const xcb_generic_event_t* event)
+{
+    const std::uint8_t type = event->response_type & 0x7f;
+    if (type == 0) {
+        const auto* error = reinterpret_cast<const xcb_generic_error_t*>(event);
+        if (error->error_code == XCB_WINDOW) {
+            // A window we asked about is gone: stop vouching for it.
+            m_watched.erase(error->resource_id);
+            ++m_serial;
+        }
+        return;
+    }
+    switch (type) {
+    case XCB_PROPERTY_NOTIFY: {
+        const auto* notify = reinterpret_cast<const xcb_property_notify_event_t*>(event);
+        m_lastServerTime = notify->time;
+        m_lastServerTimeAt = std::chrono::steady_clock::now();
+        if (notify->window == m_root) {
+            if (notify->atom == atom(Atom::NET_CLIENT_LIST))
+                m_clientListChangedAt = ++m_serial;
+            else if (notify->atom == atom(Atom::NET_ACTIVE_WINDOW) || notify->atom == atom(Atom::NET_CLIENT_LIST_STACKING))
+                m_rootStateChangedAt = ++m_serial;
+            else if (notify->atom == atom(Atom::NET_SUPPORTED))
+                m_wmSupportsClose.reset();
+        } else if (const auto it = m_watched.find(notify->window); it != m_watched.end()) {
+            auto& changes = it->second.changes;
+            const auto entry = std::find_if(changes.begin(), changes.end(),
+                                            [&](const auto& change) { return change.first == notify->atom; });
+            if (entry != changes.end())
+                entry->second = ++m_serial;
+            else
+                changes.emplace_back(notify->atom, ++m_serial);
+        }
+        break;
+    }
+    case XCB_DESTROY_NOTIFY: {
+        const auto* notify = reinterpret_cast<const xcb_destroy_notify_event_t*>(event);
+        if (m_watched.erase(notify->window) != 0)
+            ++m_serial;
+        break;
+    }
+    default:
+        break;   // mapping, moves, resizes and the rest change no property we read
+    }
+}
+
+bool XConnection::propertyChangedSince(xcb_window_t window, xcb_atom_t property, std::uint64_t serial) const
+{
+    const auto it = m_watched.find(window);
+    if (it == m_watched.end() || it->second.since > serial)
+        return true;
+    for (const auto& [atom, changedAt] : it->second.changes)
+        if (atom == property)
+            return changedAt > serial;
+    return false;
+}
+
+void XConnection::watchWindow(xcb_window_t window)
+{
+    if (!isConnected() || m_watched.count(window) != 0)
+        return;
+    // Our own event mask on another client's window: it changes nothing for that client.
+    const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(m_connection, window, XCB_CW_EVENT_MASK, &mask);
+    m_watched.emplace(window, Watch{++m_serial, {}});
+}
+
+void XConnection::forgetWindowsExcept(const std::vector<xcb_window_t>& listed)
+{
+    if (m_watched.size() <= listed.size())
+        return;
+    std::unordered_map<xcb_window_t, Watch> kept;
+    for (const xcb_window_t window : listed)
+        if (const auto it = m_watched.find(window); it != m_watched.end())
+            kept.emplace(it->first, std::move(it->second));
+    m_watched.swap(kept);
+}
+
+xcb_timestamp_t XConnection::recentServerTime(std::chrono::milliseconds maxAge)
+{
+    drainEvents();
+    if (m_lastServerTime != XCB_CURRENT_TIME && std::chrono::steady_clock::now() - m_lastServerTimeAt <= maxAge)
+        return m_lastServerTime;
+    return serverTime();
 }
 
 bool XConnection::sync()
@@ -210,6 +338,7 @@ xcb_timestamp_t XConnection::serverTime()
             if (notify->window == m_helper && notify->atom == property)
                 time = notify->time;
         }
+        handleEvent(event);
         std::free(event);
     }
     return time;

@@ -3,8 +3,13 @@
 #include <xcb/xcb.h>
 
 #include <array>
+#include <chrono>
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <string>
+#include <unordered_map>
+#include <vector>
 
 namespace stowly::x11 {
 
@@ -43,6 +48,8 @@ enum class Atom : int {
     Count
 };
 
+struct WindowSnapshot;
+
 // One connection to the X server, shared by every X-backed service. It never lets an
 // X error end the program: replies are always fetched with an error out-parameter, and
 // errors of requests without replies are drained from the event queue and dropped.
@@ -66,13 +73,42 @@ public:
     // generation must not be used any more.
     std::uint64_t generation() const { return m_generation; }
 
-    // Throws away queued events and asynchronous errors.
+    // Reads every queued event and asynchronous error (without a round trip) and keeps
+    // what they say about the client list and the watched windows; then drops them.
     void drainEvents();
+
+    // What the server has told us, counted in event serials: a snapshot remembers the
+    // serial it was taken at and is still exact for what has not changed since.
+    std::uint64_t eventSerial() const { return m_serial; }
+    bool clientListChangedSince(std::uint64_t serial) const { return m_clientListChangedAt > serial; }
+    // _NET_ACTIVE_WINDOW or _NET_CLIENT_LIST_STACKING changed.
+    bool rootStateChangedSince(std::uint64_t serial) const { return m_rootStateChangedAt > serial; }
+    // True for a window we do not watch (nothing is known about it), or whose property
+    // changed after `serial`.
+    bool propertyChangedSince(xcb_window_t window, xcb_atom_t property, std::uint64_t serial) const;
+    // A watched window exists as far as the server has told us: its destruction (or a
+    // BadWindow for it) would have ended the watch.
+    bool isWatched(xcb_window_t window) const { return m_watched.count(window) != 0; }
+    // Selects property and structure events on a client window (no round trip); must be
+    // sent before the window's properties are read so that no later change goes unseen.
+    void watchWindow(xcb_window_t window);
+    void forgetWindowsExcept(const std::vector<xcb_window_t>& listed);
+
+    // The latest window snapshot, for reuse while nothing it describes has changed.
+    std::shared_ptr<const WindowSnapshot> latestSnapshot() const { return m_latestSnapshot; }
+    void setLatestSnapshot(std::shared_ptr<const WindowSnapshot> snapshot) { m_latestSnapshot = std::move(snapshot); }
+
+    // Whether the window manager lists _NET_CLOSE_WINDOW in _NET_SUPPORTED, remembered
+    // until the root's _NET_SUPPORTED changes (absent: not known).
+    const std::optional<bool>& wmSupportsClose() const { return m_wmSupportsClose; }
+    void setWmSupportsClose(bool supported) { m_wmSupportsClose = supported; }
     // A server round trip, so that everything sent so far has been processed.
     bool sync();
     // The server's current time, taken from a property change on our own helper window
     // (one round trip). XCB_CURRENT_TIME when that fails.
     xcb_timestamp_t serverTime();
+    // A server time no older than maxAge: the last one an event carried, or serverTime().
+    xcb_timestamp_t recentServerTime(std::chrono::milliseconds maxAge);
 
     // Counts the round trips this connection has waited for (for measurements).
     std::uint64_t roundTrips() const { return m_roundTrips; }
@@ -85,6 +121,8 @@ public:
 private:
     bool connect();
     void disconnect();
+    void handleEvent(const xcb_generic_event_t* event);
+    void resetTracking();
 
     std::string m_displayName;
     xcb_connection_t* m_connection = nullptr;
@@ -94,6 +132,19 @@ private:
     std::uint64_t m_generation = 0;
     std::uint64_t m_roundTrips = 0;
     std::array<xcb_atom_t, static_cast<int>(Atom::Count)> m_atoms{};
+
+    std::uint64_t m_serial = 0;
+    std::uint64_t m_clientListChangedAt = 0;
+    std::uint64_t m_rootStateChangedAt = 0;
+    struct Watch {
+        std::uint64_t since = 0;   // serial at which the events were selected
+        std::vector<std::pair<xcb_atom_t, std::uint64_t>> changes;   // property -> serial of its last change
+    };
+    std::unordered_map<xcb_window_t, Watch> m_watched;
+    std::shared_ptr<const WindowSnapshot> m_latestSnapshot;
+    std::optional<bool> m_wmSupportsClose;
+    xcb_timestamp_t m_lastServerTime = XCB_CURRENT_TIME;
+    std::chrono::steady_clock::time_point m_lastServerTimeAt{};
 };
 
 } // namespace stowly::x11

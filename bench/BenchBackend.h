@@ -1,0 +1,18 @@
+#pragma once
+
+#include "platform/Platform.h"
+
+#include <memory>
+
+namespace stowly::bench {
+
+// The Linux backend as the program builds it, behind the one thing the logic needs.
+class BenchBackend {
+public:
+    virtual ~BenchBackend() = default;
+    virtual Platform& platform() = 0;
+};
+
+std::unique_ptr<BenchBackend> makeBenchBackend();
+
+} // namespace stowly::bench
