@@ -81,6 +81,23 @@ struct Desk {
         }, 20s);
         return all;
     }
+    // Each test starts the same apps in the same order, so the X server hands the new
+    // clients the slots, and so the window ids, of the ones just killed. openbox must have
+    // let go of the old windows first: unmanaging one rewrites its _NET_WM_STATE, which
+    // would land on the new window of the same id and strip its skip-taskbar state.
+    ~Desk()
+    {
+        apps.killAll();
+        const std::vector<std::uint32_t> mine{termWindow[0], termWindow[1],  termWindow[2],  logoWindow,
+                                              mainWindow,    dialogWindow, noDeleteWindow, accessoryWindow};
+        waitUntil([&] {
+            for (const auto& listed : wmctrlWindows())
+                if (std::find(mine.begin(), mine.end(), listed.window) != mine.end())
+                    return false;
+            return true;
+        });
+    }
+
     std::vector<std::uint32_t> standardWindows() const
     {
         return {termWindow[0], termWindow[1], termWindow[2], logoWindow, mainWindow, noDeleteWindow};
