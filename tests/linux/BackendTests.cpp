@@ -9,6 +9,9 @@
 #include "XConnection.h"
 #include "XdgAutostart.h"
 
+#include <QColor>
+#include <QImage>
+
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
@@ -236,6 +239,52 @@ TEST_F(Backend, IconNearestTheDrawnSizeAndOddIconsAreHarmless)
     // openbox gives icon-less windows its own 48 px icon; whatever is there is what we show.
     const bool hasIcon = xprop(waitForWindowTitled("icon-none"), "_NET_WM_ICON").find("Icon (48 x 48)") != std::string::npos;
     EXPECT_EQ(noneApp->icon() != nullptr, hasIcon);
+}
+
+TEST_F(Backend, AppsWithoutWindowIconsShowTheirDesktopEntryIcon)
+{
+    // One entry names a hicolor icon, one an absolute file, one an icon that exists nowhere.
+    const std::string hicolor = dirs().dataDir + "/icons/hicolor/48x48/apps";
+    ASSERT_EQ(std::system(("mkdir -p '" + hicolor + "'").c_str()), 0);
+    QImage themed(48, 48, QImage::Format_ARGB32);
+    themed.fill(QColor(0x20, 0x80, 0xc0));
+    ASSERT_TRUE(themed.save(QString::fromStdString(hicolor + "/stowly-probe-themed.png")));
+    QImage bigFile(300, 300, QImage::Format_ARGB32);
+    bigFile.fill(QColor(0xc0, 0x40, 0x20));
+    const std::string absolute = dirs().root + "/probe-absolute.png";
+    ASSERT_TRUE(bigFile.save(QString::fromStdString(absolute)));
+    writeFile(dirs().dataDir + "/applications/org.stowly.ThemedProbe.desktop",
+              "[Desktop Entry]\nType=Application\nName=Themed Probe\nExec=true\nIcon=stowly-probe-themed\n"
+              "StartupWMClass=ThemedProbe\n");
+    writeFile(dirs().dataDir + "/applications/org.stowly.FileProbe.desktop",
+              "[Desktop Entry]\nType=Application\nName=File Probe\nExec=true\nIcon=" + absolute +
+                  "\nStartupWMClass=FileProbe\n");
+    writeFile(dirs().dataDir + "/applications/org.stowly.MissingProbe.desktop",
+              "[Desktop Entry]\nType=Application\nName=Missing Probe\nExec=true\nIcon=stowly-no-such-icon\n"
+              "StartupWMClass=MissingProbe\n");
+
+    const int themedApp = apps.startTestWindow("probe-themed", {"--pixmap-icon", "--class", "themedprobe", "ThemedProbe"});
+    const int fileApp = apps.startTestWindow("probe-file", {"--pixmap-icon", "--class", "fileprobe", "FileProbe"});
+    const int missingApp = apps.startTestWindow("probe-missing", {"--pixmap-icon", "--class", "missingprobe", "MissingProbe"});
+    ASSERT_TRUE(waitForWindowTitled("probe-themed") && waitForWindowTitled("probe-file") &&
+                waitForWindowTitled("probe-missing"));
+    for (const char* title : {"probe-themed", "probe-file", "probe-missing"})
+        ASSERT_EQ(xprop(waitForWindowTitled(title), "_NET_WM_ICON").find("Icon ("), std::string::npos) << title;
+
+    const auto themedRef = appWithPid(p.workspace, themedApp);
+    const auto fileRef = appWithPid(p.workspace, fileApp);
+    const auto missingRef = appWithPid(p.workspace, missingApp);
+    ASSERT_TRUE(themedRef && fileRef && missingRef);
+    EXPECT_EQ(themedRef->localizedName(), "Themed Probe");
+    ASSERT_TRUE(themedRef->icon());
+    EXPECT_EQ(themedRef->icon()->width, 48);
+    EXPECT_EQ(themedRef->icon()->argb.at(0), 0xff2080c0u);
+    // A large file is scaled down to the size the panel draws.
+    ASSERT_TRUE(fileRef->icon());
+    EXPECT_EQ(fileRef->icon()->width, 48);
+    EXPECT_EQ(fileRef->icon()->argb.at(48 * 24 + 24), 0xffc04020u);
+    EXPECT_EQ(missingRef->localizedName(), "Missing Probe");
+    EXPECT_EQ(missingRef->icon(), nullptr);
 }
 
 TEST(NetWmIcon, DecodesRobustly)

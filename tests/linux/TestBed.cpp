@@ -29,19 +29,6 @@ std::set<int>& reaped()
 
 Dirs g_dirs;
 
-void writeFile(const std::string& path, const std::string& text)
-{
-    std::ofstream out(path);
-    out << text;
-}
-
-std::string readFile(const std::string& path)
-{
-    std::ifstream in(path);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
 
 } // namespace
 
@@ -134,6 +121,12 @@ std::string run(const std::string& command)
         out.append(buffer, n);
     pclose(pipe);
     return out;
+}
+
+void writeFile(const std::string& path, const std::string& text)
+{
+    std::ofstream out(path);
+    out << text;
 }
 
 std::string readText(const std::string& path)
@@ -409,7 +402,7 @@ bool waitForWindowCount(const std::string& title, std::size_t count, std::chrono
 
 std::optional<std::uint64_t> footprintOf(int pid)
 {
-    std::istringstream lines(readFile("/proc/" + std::to_string(pid) + "/status"));
+    std::istringstream lines(readText("/proc/" + std::to_string(pid) + "/status"));
     std::string line;
     std::uint64_t kb = 0;
     bool any = false;
@@ -428,7 +421,7 @@ std::optional<std::uint64_t> footprintOf(int pid)
 
 int parentOf(int pid)
 {
-    std::istringstream lines(readFile("/proc/" + std::to_string(pid) + "/status"));
+    std::istringstream lines(readText("/proc/" + std::to_string(pid) + "/status"));
     std::string line;
     while (std::getline(lines, line))
         if (line.rfind("PPid:", 0) == 0)

@@ -34,6 +34,7 @@ bool waitUntil(const std::function<bool()>& pred, std::chrono::milliseconds dead
 std::string run(const std::string& command);
 // The whole file, or "" when it cannot be read.
 std::string readText(const std::string& path);
+void writeFile(const std::string& path, const std::string& text);
 
 // A private display with openbox; DISPLAY is set for this process and its children.
 class Display {

@@ -1,6 +1,7 @@
 #include "DesktopEntries.h"
 
 #include "DesktopEntryFile.h"
+#include "XdgDirs.h"
 
 #include <dirent.h>
 #include <sys/stat.h>
@@ -22,29 +23,12 @@ std::string lower(std::string_view s)
     return out;
 }
 
-std::string envOr(const char* name, const std::string& fallback)
-{
-    const char* value = std::getenv(name);
-    return value != nullptr && *value != '\0' ? std::string(value) : fallback;
-}
-
-// XDG Base Directory: $XDG_DATA_HOME, then each of $XDG_DATA_DIRS, each + "/applications".
+// Each XDG data directory + "/applications", in precedence order.
 std::vector<std::string> applicationDirectories()
 {
-    std::vector<std::string> dirs;
-    const std::string home = envOr("HOME", "");
-    const std::string dataHome = envOr("XDG_DATA_HOME", home.empty() ? std::string() : home + "/.local/share");
-    if (!dataHome.empty() && dataHome.front() == '/')
-        dirs.push_back(dataHome + "/applications");
-    const std::string dataDirs = envOr("XDG_DATA_DIRS", "/usr/local/share:/usr/share");
-    std::size_t start = 0;
-    while (start <= dataDirs.size()) {
-        const std::size_t end = std::min(dataDirs.find(':', start), dataDirs.size());
-        const std::string dir = dataDirs.substr(start, end - start);
-        if (!dir.empty() && dir.front() == '/')
-            dirs.push_back(dir + "/applications");
-        start = end + 1;
-    }
+    std::vector<std::string> dirs = xdgDataDirectories();
+    for (std::string& dir : dirs)
+        dir += "/applications";
     return dirs;
 }
 

@@ -117,6 +117,9 @@ LinuxWorkspace::buildTable(std::shared_ptr<const WindowSnapshot> snapshot)
             if (const DesktopEntries::Entry* entry = m_entries.match(hints)) {
                 state.name = entry->name;
                 state.bundleId = entry->id;
+                // No window drew its own icon: the one its desktop entry names.
+                if (!state.icon)
+                    state.icon = m_themedIcons.lookup(entry->icon);
                 break;
             }
         }

@@ -2,6 +2,7 @@
 
 #include "DesktopEntries.h"
 #include "ProcFs.h"
+#include "ThemedIcons.h"
 #include "WindowSnapshot.h"
 #include "XConnection.h"
 #include "platform/Workspace.h"
@@ -85,6 +86,7 @@ private:
     ProcStatusCache& m_proc;
     DesktopEntries& m_entries;
     IconCache m_icons;
+    ThemedIcons m_themedIcons;
     ProcessLiveness m_liveness;
 
     bool m_passOpen = false;

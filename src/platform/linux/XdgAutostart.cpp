@@ -1,6 +1,7 @@
 #include "XdgAutostart.h"
 
 #include "DesktopEntryFile.h"
+#include "XdgDirs.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -18,15 +19,6 @@ namespace {
 std::string systemError(int code)
 {
     return std::generic_category().message(code);
-}
-
-std::string configHome()
-{
-    const char* config = std::getenv("XDG_CONFIG_HOME");
-    if (config != nullptr && config[0] == '/')
-        return config;
-    const char* home = std::getenv("HOME");
-    return std::string(home != nullptr ? home : "") + "/.config";
 }
 
 std::string runningExecutable()
@@ -94,7 +86,7 @@ XdgAutostart::XdgAutostart(std::string executable) : m_executable(std::move(exec
 
 std::string XdgAutostart::entryPath()
 {
-    return configHome() + "/autostart/stowly.desktop";
+    return xdgConfigHome() + "/autostart/stowly.desktop";
 }
 
 LoginItemStatus XdgAutostart::status()

@@ -72,7 +72,7 @@ static void usage(void)
     fprintf(stderr,
             "stowly_testwin [--title T] [--class INSTANCE CLASS] [--type normal|dialog|utility|none]\n"
             "  [--windows N] [--dialog] [--free-dialog] [--skip-taskbar] [--no-delete] [--no-pid] [--gtk-id ID]\n"
-            "  [--icon N] [--huge-icon] [--garbage] [--alloc-mb M] [--child-alloc-mb M] [--churn]\n");
+            "  [--icon N] [--huge-icon] [--pixmap-icon] [--garbage] [--alloc-mb M] [--child-alloc-mb M] [--churn]\n");
     exit(2);
 }
 
@@ -84,6 +84,7 @@ int main(int argc, char** argv)
     const char* type = "normal";
     const char* gtk_id = NULL;
     int windows = 1, dialog = 0, free_dialog = 0, skip_taskbar = 0, no_delete = 0, no_pid = 0, garbage = 0, huge_icon = 0, churn = 0;
+    int pixmap_icon = 0;
     uint32_t icon = 0;
     size_t alloc_mb = 0, child_alloc_mb = 0;
 
@@ -102,6 +103,7 @@ int main(int argc, char** argv)
         else if (!strcmp(a, "--gtk-id") && more) gtk_id = argv[++i];
         else if (!strcmp(a, "--icon") && more) icon = (uint32_t)atoi(argv[++i]);
         else if (!strcmp(a, "--huge-icon")) huge_icon = 1;
+        else if (!strcmp(a, "--pixmap-icon")) pixmap_icon = 1;
         else if (!strcmp(a, "--garbage")) garbage = 1;
         else if (!strcmp(a, "--alloc-mb") && more) alloc_mb = (size_t)atoi(argv[++i]);
         else if (!strcmp(a, "--child-alloc-mb") && more) child_alloc_mb = (size_t)atoi(argv[++i]);
@@ -177,6 +179,14 @@ int main(int argc, char** argv)
         if (icon > 0) {
             const uint32_t sizes[] = {16, icon};
             set_icon(w, sizes, 2);
+        }
+        if (pixmap_icon) {
+            /* An old-style ICCCM icon (WM_HINTS icon_pixmap) and no _NET_WM_ICON, as xterm has:
+               openbox then publishes no _NET_WM_ICON of its own for the window. */
+            const xcb_pixmap_t pixmap = xcb_generate_id(conn);
+            xcb_create_pixmap(conn, screen->root_depth, pixmap, screen->root, 16, 16);
+            const uint32_t hints[9] = {1u << 2 /* IconPixmapHint */, 0, 0, pixmap, 0, 0, 0, 0, 0};
+            xcb_change_property(conn, XCB_PROP_MODE_REPLACE, w, XCB_ATOM_WM_HINTS, XCB_ATOM_WM_HINTS, 32, 9, hints);
         }
         if (huge_icon) {
             /* A real 1200x1200 image after a small one, then a header claiming far more. */
