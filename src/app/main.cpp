@@ -1,12 +1,20 @@
 // Stowly: a tray utility that clears the desktop of other apps' windows.
 #include "AppModel.h"
-#include "LinuxPlatform.h"
 #include "NotifyingPreferenceStore.h"
 #include "StatusIcon.h"
 #include "StowlyViews.h"
 #include "TrayController.h"
 
 #include <QApplication>
+
+#if defined(Q_OS_MACOS)
+#include "MacPlatform.h"
+#include "MacShell.h"
+using PlatformServices = stowly::macos::MacPlatform;
+#else
+#include "LinuxPlatform.h"
+using PlatformServices = stowly::x11::LinuxPlatform;
+#endif
 
 int main(int argc, char* argv[])
 {
@@ -17,9 +25,13 @@ int main(int argc, char* argv[])
     QApplication::setWindowIcon(stowly::StatusIcon::icon());
     // Closing the panel or the settings window never ends the program; Quit does.
     QApplication::setQuitOnLastWindowClosed(false);
+#if defined(Q_OS_MACOS)
+    // No Dock icon and no menu bar of its own: the menu-bar item is the whole presence.
+    stowly::macos::useAccessoryActivationPolicy();
+#endif
 
-    stowly::x11::LinuxPlatform linuxPlatform;
-    stowly::Platform& backend = linuxPlatform.platform();
+    PlatformServices services;
+    stowly::Platform& backend = services.platform();
     // Every preference write goes through one store that tells the views.
     stowly::NotifyingPreferenceStore preferences(backend.preferences);
     stowly::Platform platform{backend.workspace, backend.accessibility, backend.trust, backend.processTable,
@@ -28,6 +40,9 @@ int main(int argc, char* argv[])
     stowly::AppModel model(platform);
     stowly::StowlyViews views(model, preferences);
     stowly::TrayController tray(views);
+#if defined(Q_OS_MACOS)
+    tray.setActivateBeforeSettings(&stowly::macos::activateForSettingsWindow);
+#endif
     tray.showTrayIcon();
     return application.exec();
 }

@@ -60,6 +60,8 @@ void TrayController::openSettings()
         m_settings->setMinimumSize(QSize(760, 560));
         m_settings->setMaximumSize(QSize(760, 560));
     }
+    if (m_activateBeforeSettings)
+        m_activateBeforeSettings();
     m_settings->show();
     m_settings->raise();
     m_settings->requestActivate();

@@ -3,6 +3,8 @@
 #include <QObject>
 #include <QRect>
 
+#include <functional>
+
 class QQuickView;
 class QSystemTrayIcon;
 
@@ -27,6 +29,10 @@ public:
 
     PanelWindow& panelWindow() { return *m_panel; }
 
+    // Where the platform asks it (macOS: an accessory app must activate itself before its
+    // window can take focus from the app in front), run before the settings window shows.
+    void setActivateBeforeSettings(std::function<void()> activate) { m_activateBeforeSettings = std::move(activate); }
+
 private:
     // The tray icon's rectangle, or a small one at the pointer when the tray gives none.
     QRect trayAnchor() const;
@@ -35,6 +41,7 @@ private:
     QSystemTrayIcon* m_tray;
     PanelWindow* m_panel;
     QQuickView* m_settings = nullptr;
+    std::function<void()> m_activateBeforeSettings;
 };
 
 } // namespace stowly

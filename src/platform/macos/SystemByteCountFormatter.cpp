@@ -1,0 +1,14 @@
+// On macOS a memory figure reads exactly as the system writes it elsewhere: the
+// platform's byte-count formatter in its memory style stands in for our own.
+#include "core/ByteCountFormatter.h"
+
+#include "MacByteCountFormatter.h"
+
+namespace stowly {
+
+QString formatMemoryByteCount(std::int64_t byteCount)
+{
+    return QString::fromStdString(macos::macMemoryByteCountString(byteCount));
+}
+
+} // namespace stowly
