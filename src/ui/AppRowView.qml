@@ -53,8 +53,8 @@ Item {
                 text: row.statusLine
                 color: theme.secondary
                 font.pixelSize: theme.captionSize
-                maximumLineCount: 1
-                elide: Text.ElideRight
+                // No line limit: a narrow row wraps the memory text rather than cut it.
+                wrapMode: Text.Wrap
                 Layout.fillWidth: true
                 Accessible.role: Accessible.StaticText
                 Accessible.name: text

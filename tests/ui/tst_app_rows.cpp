@@ -80,8 +80,15 @@ private slots:
         QQuickView& view = ui.panel();
         QQuickItem* notes = row(view, QStringLiteral("Notes"));
         QVERIFY(notes);
-        QCOMPARE(part(notes, "rowStatusLine")->property("text").toString(),
-                 QStringLiteral("Open \u2022 RAM: RAM unavailable"));
+        QQuickItem* line = part(notes, "rowStatusLine");
+        QCOMPARE(line->property("text").toString(), QStringLiteral("Open \u2022 RAM: RAM unavailable"));
+        // The memory text is never cut short, however narrow the row.
+        QVERIFY(!line->property("truncated").toBool());
+        QCOMPARE(line->property("elide").toInt(), int(Qt::ElideNone));
+        notes->setWidth(150);
+        UiFixture::settle();
+        QVERIFY(!line->property("truncated").toBool());
+        QVERIFY(line->property("lineCount").toInt() > 1);
     }
 
     void badgesAreColouredByStatus()
