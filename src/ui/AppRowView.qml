@@ -116,18 +116,21 @@ Item {
                     objectName: "rowMenuOpen"
                     text: texts.openApp
                     onTriggered: openApps.openApp(row.index)
+                    Accessible.name: text
                     Accessible.onPressAction: if (enabled) clicked()
                 }
                 MenuItem {
                     objectName: "rowMenuCloseApp"
                     text: texts.closeApp
                     onTriggered: openApps.terminateApp(row.index)
+                    Accessible.name: text
                     Accessible.onPressAction: if (enabled) clicked()
                 }
                 MenuItem {
                     objectName: "rowMenuForceQuit"
                     text: texts.forceQuitApp
                     onTriggered: openApps.forceTerminateApp(row.index)
+                    Accessible.name: text
                     Accessible.onPressAction: if (enabled) clicked()
                 }
             }

@@ -168,6 +168,7 @@ Rectangle {
             objectName: "settingsButton"
             text: texts.settings
             onClicked: panel.openSettings()
+            Accessible.name: text
             Accessible.onPressAction: if (enabled) clicked()
         }
 
@@ -175,6 +176,7 @@ Rectangle {
             objectName: "refreshButton"
             text: texts.refresh
             onClicked: panel.refresh()
+            Accessible.name: text
             Accessible.onPressAction: if (enabled) clicked()
         }
 
@@ -182,6 +184,7 @@ Rectangle {
             objectName: "quitButton"
             text: texts.quit
             onClicked: panel.quit()
+            Accessible.name: text
             Accessible.onPressAction: if (enabled) clicked()
         }
     }

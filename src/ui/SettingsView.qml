@@ -121,6 +121,23 @@ Rectangle {
                             picker.currentIndex = Qt.binding(() => settings.pickerIndex);
                         }
                         Accessible.name: texts.defaultActionPicker
+                        Accessible.onPressAction: if (enabled) picker.popup.open()
+
+                        // The style's own item, plus a name and a press action for
+                        // assistive technology (a press chooses the item).
+                        delegate: MenuItem {
+                            required property int index
+                            required property string modelData
+
+                            objectName: "defaultActionPickerItem"
+                            width: ListView.view.width
+                            text: modelData
+                            font.weight: picker.currentIndex === index ? Font.DemiBold : Font.Normal
+                            highlighted: picker.highlightedIndex === index
+                            hoverEnabled: picker.hoverEnabled
+                            Accessible.name: text
+                            Accessible.onPressAction: if (enabled) clicked()
+                        }
                     }
                 }
 
@@ -287,12 +304,14 @@ Rectangle {
                         text: texts.grantAccess
                         highlighted: true
                         onClicked: settings.requestAccessibilityPermission()
+                        Accessible.name: text
                         Accessible.onPressAction: if (enabled) clicked()
                     }
                     Button {
                         objectName: "openSystemSettingsButton"
                         text: texts.openSystemSettings
                         onClicked: settings.openAccessibilitySettings()
+                        Accessible.name: text
                         Accessible.onPressAction: if (enabled) clicked()
                     }
                 }
