@@ -57,12 +57,13 @@ Rectangle {
             objectName: "accessWarning"
             visible: panel.showsAccessWarning
             width: parent.width
-            spacing: 5
+            spacing: theme.labelSpacing
 
             Accessible.role: Accessible.StaticText
             Accessible.name: warningText.text
 
             SymbolImage {
+                id: warningSymbol
                 anchors.verticalCenter: parent.verticalCenter
                 name: "exclamationmark.triangle.fill"
                 tint: theme.orange
@@ -71,7 +72,7 @@ Rectangle {
             Text {
                 id: warningText
                 objectName: "accessWarningText"
-                width: parent.width - 18
+                width: parent.width - warningSymbol.width - parent.spacing
                 text: texts.accessWarning
                 color: theme.orange
                 font.pixelSize: theme.captionSize
@@ -92,6 +93,8 @@ Rectangle {
             columns: Math.max(columnCount, 1)
             columnSpacing: 10
             rowSpacing: 10
+            // Tiles of one row that differ in height sit on the row's centre line.
+            verticalItemAlignment: Grid.AlignVCenter
 
             Repeater {
                 model: panel.actions

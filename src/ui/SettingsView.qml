@@ -60,18 +60,26 @@ Rectangle {
                     Item {
                         Layout.fillWidth: true
                     }
-                    SymbolImage {
-                        name: "menubar.rectangle"
-                        tint: theme.secondary
-                        size: 14
-                    }
-                    Text {
-                        objectName: "appliedFromMenuBar"
-                        text: texts.appliedFromMenuBar
-                        color: theme.secondary
-                        font.pixelSize: theme.footnoteSize
-                        Accessible.role: Accessible.StaticText
-                        Accessible.name: text
+                    Row {
+                        objectName: "appliedFromMenuBarLabel"
+                        spacing: theme.labelSpacing
+
+                        SymbolImage {
+                            objectName: "appliedFromMenuBarSymbol"
+                            anchors.verticalCenter: parent.verticalCenter
+                            name: "menubar.rectangle"
+                            tint: theme.secondary
+                            size: 14
+                        }
+                        Text {
+                            objectName: "appliedFromMenuBar"
+                            anchors.verticalCenter: parent.verticalCenter
+                            text: texts.appliedFromMenuBar
+                            color: theme.secondary
+                            font.pixelSize: theme.footnoteSize
+                            Accessible.role: Accessible.StaticText
+                            Accessible.name: text
+                        }
                     }
                 }
 
@@ -300,9 +308,19 @@ Rectangle {
                     spacing: 12
 
                     Button {
+                        id: grantButton
                         objectName: "grantAccessButton"
                         text: texts.grantAccess
-                        highlighted: true
+                        palette.buttonText: theme.white
+                        // The prominent look: a solid accent fill (the style's own panel
+                        // would wash the accent out into a pale gradient).
+                        background: Rectangle {
+                            objectName: "grantAccessFill"
+                            implicitWidth: 80
+                            implicitHeight: 24
+                            radius: 4
+                            color: grantButton.down ? Qt.darker(theme.accent, 1.2) : theme.accent
+                        }
                         onClicked: settings.requestAccessibilityPermission()
                         Accessible.name: text
                         Accessible.onPressAction: if (enabled) clicked()

@@ -70,6 +70,9 @@ private slots:
         QCOMPARE(shown[0]->width(), (312.0 - 10) / 2);
         QCOMPARE(scenePos(shown[1]).x() - (scenePos(shown[0]).x() + shown[0]->width()), 10.0);
         QCOMPARE(scenePos(shown[2]).y() - (scenePos(shown[0]).y() + shown[0]->height()), 10.0);
+        // Tiles of one row that differ in height share the row's centre line.
+        QCOMPARE(ui.find(view, QStringLiteral("actionGrid"))->property("verticalItemAlignment").toInt(),
+                 int(Qt::AlignVCenter));
     }
 
     void storedOrderDoesNotMatterCatalogueOrderDoes()
@@ -146,6 +149,10 @@ private slots:
         QCOMPARE(warningText->property("text").toString(),
                  QStringLiteral("Accessibility access required. Grant it in Settings."));
         QCOMPARE(warningText->property("color").value<QColor>(), Palette::orange);
+        QCOMPARE(warningText->property("font").value<QFont>().pixelSize(), Theme().captionSize);
+        // Symbol and text form one label, the text taking the rest of the width.
+        QCOMPARE(warning->property("spacing").toReal(), qreal(Theme().labelSpacing));
+        QCOMPARE(warningText->mapToScene(QPointF(warningText->width(), 0)).x(), 340.0 - 14);
 
         for (const char* raw : {"minimize", "closeWindows"}) {
             QQuickItem* tile = ui.find(view, QStringLiteral("actionTile_") + QLatin1String(raw));

@@ -174,13 +174,41 @@ private slots:
         QCOMPARE(box->width(), 24.0);
         QCOMPARE(box->height(), 24.0);
         QCOMPARE(box->property("radius").toReal(), 7.0);
-        QObject* border = box->property("border").value<QObject*>();
+        QCOMPARE(box->property("color").value<QColor>(), Palette::accent);
+        // The 1.5 outline is centred on the square's edge: its box reaches 0.75 outside.
+        QQuickItem* stroke = UiFixture::findIn(indicator.item, QStringLiteral("checkboxStroke"));
+        QVERIFY(stroke);
+        QCOMPARE(stroke->x(), -0.75);
+        QCOMPARE(stroke->y(), -0.75);
+        QCOMPARE(stroke->width(), 25.5);
+        QCOMPARE(stroke->height(), 25.5);
+        QCOMPARE(stroke->property("radius").toReal(), 7.75);
+        QObject* border = stroke->property("border").value<QObject*>();
         QCOMPARE(border->property("width").toReal(), 1.5);
+        QCOMPARE(border->property("color").value<QColor>(), Palette::accent);
         QCOMPARE(colorOf(indicator.item, "checkboxMark", "tint"), Palette::white);
         QCOMPARE(UiFixture::findIn(indicator.item, QStringLiteral("checkboxMark"))->property("name").toString(),
                  QStringLiteral("checkmark"));
+        // The white mark spans about 11 of the 24 points, centred.
+        const QImage image = indicator.window->grabWindow();
+        const QRect square = indicator.item->mapRectToScene(QRectF(0, 0, 24, 24)).toRect();
+        int left = square.right(), right = square.left();
+        // Inside the filled square, clear of its rounded corners and outline.
+        for (int y = square.top() + 5; y <= square.bottom() - 5; ++y) {
+            for (int x = square.left() + 2; x <= square.right() - 2; ++x) {
+                if (image.pixelColor(x, y).lightness() > 230) {
+                    left = std::min(left, x);
+                    right = std::max(right, x);
+                }
+            }
+        }
+        QVERIFY2(right - left + 1 >= 10 && right - left + 1 <= 13, qPrintable(QString::number(right - left + 1)));
+        QVERIFY(qAbs((left + right) / 2.0 - square.center().x()) <= 1.5);
+
         indicator.item->setProperty("isSelected", false);
         QCOMPARE(border->property("color").value<QColor>(), Palette::separator);
+        QCOMPARE(box->property("color").value<QColor>(), Palette::windowBackground);
+        QVERIFY(!UiFixture::findIn(indicator.item, QStringLiteral("checkboxMark"))->isVisible());
     }
 };
 

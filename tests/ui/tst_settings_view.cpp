@@ -235,6 +235,46 @@ private slots:
         QVERIFY(UiFixture::findIn(shortcut, QStringLiteral("checkboxMark"))->isVisible());
     }
 
+    void headerLabelKeepsItsSymbolBesideItsText()
+    {
+        UiFixture ui;
+        ui.start();
+        QQuickView& view = ui.settings();
+        QQuickItem* symbol = ui.find(view, QStringLiteral("appliedFromMenuBarSymbol"));
+        QQuickItem* text = ui.find(view, QStringLiteral("appliedFromMenuBar"));
+        QCOMPARE(symbol->property("name").toString(), QStringLiteral("menubar.rectangle"));
+        QCOMPARE(symbol->property("tint").value<QColor>(), Palette::secondary);
+        QCOMPARE(text->property("color").value<QColor>(), Palette::secondary);
+        QCOMPARE(text->property("font").value<QFont>().pixelSize(), Theme().footnoteSize);
+        // The label's own gap, not the header's 10, and the label ends at the right margin.
+        const qreal gap = text->mapToScene(QPointF(0, 0)).x() - symbol->mapToScene(QPointF(symbol->width(), 0)).x();
+        QCOMPARE(gap, qreal(Theme().labelSpacing));
+        QVERIFY(gap < 10);
+        QVERIFY(qAbs(text->mapToScene(QPointF(text->width(), 0)).x() - (760.0 - 28)) < 1);
+    }
+
+    void grantButtonIsFilledWithTheAccentColour()
+    {
+        UiFixture ui;
+        ui.fake.trust.trusted = false;
+        ui.start();
+        QQuickView& view = ui.settings();
+        QQuickItem* grant = ui.find(view, QStringLiteral("grantAccessButton"));
+        QQuickItem* other = ui.find(view, QStringLiteral("openSystemSettingsButton"));
+        QQuickItem* scroller = ui.find(view, QStringLiteral("settingsScroller"));
+        scroller->setProperty("contentY", scroller->property("contentHeight").toReal() - 560);
+        UiFixture::settle();
+        const QImage image = view.grabWindow();
+        // A point inside each button, clear of its text and border.
+        const auto fillAt = [&image](QQuickItem* button) {
+            return image.pixelColor(button->mapToScene(QPointF(4, button->height() / 2)).toPoint());
+        };
+        const QColor grantFill = fillAt(grant);
+        const QColor otherFill = fillAt(other);
+        QVERIFY2(grantFill.blue() > 180 && grantFill.red() < 80, qPrintable(grantFill.name()));
+        QVERIFY2(qAbs(otherFill.red() - otherFill.blue()) < 30, qPrintable(otherFill.name()));
+    }
+
     void summaryBoxHugsItsContent()
     {
         UiFixture ui;
