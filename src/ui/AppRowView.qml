@@ -40,6 +40,7 @@ Item {
             Text {
                 objectName: "rowName"
                 text: row.name
+                textFormat: Text.PlainText   // another program's name, shown as it is
                 color: theme.primary
                 font.pixelSize: theme.subheadlineSize
                 maximumLineCount: 1
@@ -51,6 +52,7 @@ Item {
             Text {
                 objectName: "rowStatusLine"
                 text: row.statusLine
+                textFormat: Text.PlainText
                 color: theme.secondary
                 font.pixelSize: theme.captionSize
                 // No line limit: a narrow row wraps the memory text rather than cut it.
