@@ -48,6 +48,35 @@ private slots:
         QCOMPARE(view.rootObject()->height(), stack->height() + 28);
     }
 
+    void panelTextStyles()
+    {
+        UiFixture ui;
+        ui.fake.trust.trusted = true;
+        ui.start();
+        QQuickView& view = ui.panel();
+        const Theme theme;
+        const auto font = [&view](const char* name) {
+            return UiFixture::find(view, QLatin1String(name))->property("font").value<QFont>();
+        };
+        const auto color = [&view](const char* name) {
+            return UiFixture::find(view, QLatin1String(name))->property("color").value<QColor>();
+        };
+        QCOMPARE(font("titleText").pixelSize(), theme.headlineSize);
+        QCOMPARE(font("titleText").weight(), QFont::DemiBold);
+        QCOMPARE(font("resultText").pixelSize(), theme.subheadlineSize);
+        QCOMPARE(color("resultText"), Palette::secondary);
+        QCOMPARE(UiFixture::find(view, QStringLiteral("resultText"))->property("textFormat").toInt(), int(Qt::PlainText));
+        QCOMPARE(font("openAppsHeading").pixelSize(), theme.subheadlineSize);
+        QCOMPARE(font("openAppsHeading").weight(), QFont::DemiBold);
+        QCOMPARE(font("noAppsText").pixelSize(), theme.footnoteSize);
+        QCOMPARE(color("noAppsText"), Palette::secondary);
+        // The open-apps section: heading, then the text, 6 apart; dividers around it.
+        QQuickItem* heading = ui.find(view, QStringLiteral("openAppsHeading"));
+        QQuickItem* none = ui.find(view, QStringLiteral("noAppsText"));
+        QCOMPARE(none->mapToScene(QPointF(0, 0)).y() - heading->mapToScene(QPointF(0, heading->height())).y(), 6.0);
+        QCOMPARE(heading->mapToScene(QPointF(0, 0)).x(), 14.0);
+    }
+
     void absentPreferenceShowsAllFourInCatalogueOrderTwoByTwo()
     {
         UiFixture ui;

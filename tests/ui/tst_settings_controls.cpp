@@ -79,6 +79,57 @@ private slots:
         QVERIFY(card.item->height() >= 180);
     }
 
+    void cardMetrics()
+    {
+        UiFixture ui;
+        ui.start();
+        Hosted card = host(ui, "ActionOptionCard.qml", {{"option", option()}, {"isSelected", true}}, 170);
+        const Theme theme;
+        QQuickItem* tile = UiFixture::findIn(card.item, QStringLiteral("cardIconTile"));
+        QQuickItem* title = UiFixture::findIn(card.item, QStringLiteral("cardTitle"));
+        QQuickItem* summary = UiFixture::findIn(card.item, QStringLiteral("cardSummary"));
+        QQuickItem* check = UiFixture::findIn(card.item, QStringLiteral("checkboxIndicator"));
+        const auto at = [&card](QQuickItem* item) { return item->mapToItem(card.item, QPointF(0, 0)); };
+        QCOMPARE(at(tile), QPointF(18, 18));
+        QCOMPARE(tile->height(), 52.0);
+        QCOMPARE(tile->property("radius").toReal(), 12.0);
+        // The check box at the trailing edge, on the icon tile's centre line.
+        QCOMPARE(at(check).x() + check->width(), 170.0 - 18);
+        QCOMPARE(at(check).y() + check->height() / 2, 18 + 26.0);
+        QCOMPARE(at(title), QPointF(18, 18 + 52 + 14));
+        QCOMPARE(at(summary).y(), at(title).y() + title->height() + 14);
+        QCOMPARE(summary->width(), 170.0 - 36);
+        QCOMPARE(title->property("font").value<QFont>().pixelSize(), theme.headlineSize);
+        QCOMPARE(title->property("font").value<QFont>().weight(), QFont::DemiBold);
+        QCOMPARE(summary->property("font").value<QFont>().pixelSize(), theme.subheadlineSize);
+        QCOMPARE(summary->property("color").value<QColor>(), Palette::secondary);
+        QCOMPARE(summary->property("horizontalAlignment").toInt(), int(Qt::AlignLeft));
+    }
+
+    void rowMetrics()
+    {
+        UiFixture ui;
+        ui.start();
+        Hosted row = host(ui, "CheckboxRow.qml", {{"title", "Title"}, {"subtitle", "Subtitle"}, {"isOn", true}}, 400);
+        const Theme theme;
+        QQuickItem* check = UiFixture::findIn(row.item, QStringLiteral("checkboxIndicator"));
+        QQuickItem* title = UiFixture::findIn(row.item, QStringLiteral("checkboxRowTitle"));
+        QQuickItem* subtitle = UiFixture::findIn(row.item, QStringLiteral("checkboxRowSubtitle"));
+        const auto at = [&row](QQuickItem* item) { return item->mapToItem(row.item, QPointF(0, 0)); };
+        // 16 inside; the check box and the title both at the top, 14 apart; lines 4 apart.
+        QCOMPARE(at(check), QPointF(16, 16));
+        QCOMPARE(at(title), QPointF(16 + 24 + 14, 16));
+        QCOMPARE(at(subtitle).y(), 16 + title->height() + 4);
+        QCOMPARE(at(title).x() + title->width(), 400.0 - 16);
+        QCOMPARE(row.item->height(), 16 + title->height() + 4 + subtitle->height() + 16);
+        QQuickItem* background = row.item->property("background").value<QQuickItem*>();
+        QCOMPARE(background->property("radius").toReal(), 16.0);
+        QCOMPARE(background->property("color").value<QColor>(), Palette::controlBackground);
+        QCOMPARE(title->property("font").value<QFont>().pixelSize(), theme.headlineSize);
+        QCOMPARE(subtitle->property("font").value<QFont>().pixelSize(), theme.subheadlineSize);
+        QCOMPARE(subtitle->property("color").value<QColor>(), Palette::secondary);
+    }
+
     void unselectedCardLook()
     {
         UiFixture ui;

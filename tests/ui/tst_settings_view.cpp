@@ -275,6 +275,58 @@ private slots:
         QVERIFY2(qAbs(otherFill.red() - otherFill.blue()) < 30, qPrintable(otherFill.name()));
     }
 
+    void sectionsAndTheirTextStyles()
+    {
+        UiFixture ui;
+        ui.fake.trust.trusted = false;
+        ui.start();
+        QQuickView& view = ui.settings();
+        const Theme theme;
+        const auto item = [&view](const char* name) { return UiFixture::find(view, QLatin1String(name)); };
+        const auto font = [&item](const char* name) { return item(name)->property("font").value<QFont>(); };
+        const auto top = [](QQuickItem* i) { return i->mapToScene(QPointF(0, 0)).y(); };
+        const auto bottom = [](QQuickItem* i) { return i->mapToScene(QPointF(0, i->height())).y(); };
+        for (const char* heading : {"primaryActionHeading", "startupHeading", "accessibilityHeading"}) {
+            QCOMPARE(font(heading).pixelSize(), 20);
+            QCOMPARE(font(heading).weight(), QFont::DemiBold);
+            QCOMPARE(item(heading)->mapToScene(QPointF(0, 0)).x(), 28.0);
+        }
+        QCOMPARE(font("actionsIntro").pixelSize(), theme.subheadlineSize);
+        QCOMPARE(item("actionsIntro")->property("color").value<QColor>(), Palette::secondary);
+        QCOMPARE(font("defaultSummaryTitle").pixelSize(), theme.headlineSize);
+        QCOMPARE(font("defaultSummaryText").pixelSize(), theme.subheadlineSize);
+        QCOMPARE(item("defaultSummaryText")->property("color").value<QColor>(), Palette::secondary);
+        QCOMPARE(font("accessTitle").pixelSize(), theme.headlineSize);
+        QCOMPARE(font("accessDetail").pixelSize(), theme.subheadlineSize);
+        QCOMPARE(item("accessDetail")->property("color").value<QColor>(), Palette::secondary);
+        // 28 around the sections, 18 inside each: the first heading 28 from the top.
+        QCOMPARE(top(item("primaryActionHeading")), 28.0);
+        QCOMPARE(top(item("startupSection")) - bottom(item("actionSection")), 28.0 + 1 + 28.0);
+        QCOMPARE(top(item("actionsIntro")) - bottom(item("primaryActionHeading")), 18.0);
+        QCOMPARE(top(item("actionCards")) - bottom(item("actionsIntro")), 18.0);
+        QCOMPARE(top(item("launchAtLoginRow")) - bottom(item("startupHeading")), 18.0);
+        QCOMPARE(top(item("mainShortcutRow")) - bottom(item("launchAtLoginRow")), 16.0);
+        QCOMPARE(top(item("accessStatusBox")) - bottom(item("accessibilityHeading")), 18.0);
+        QCOMPARE(top(item("accessButtons")) - bottom(item("accessStatusBox")), 18.0);
+        // Both buttons of the access row, 12 apart.
+        QQuickItem* grant = item("grantAccessButton");
+        QQuickItem* other = item("openSystemSettingsButton");
+        QCOMPARE(other->mapToScene(QPointF(0, 0)).x() - grant->mapToScene(QPointF(grant->width(), 0)).x(), 12.0);
+        // The two boxes: 16 inside, radius 16, the symbol 12 from the texts, texts 4 apart.
+        for (const char* box : {"summaryBox", "accessStatusBox"}) {
+            QCOMPARE(item(box)->property("radius").toReal(), 16.0);
+            QCOMPARE(item(box)->property("color").value<QColor>(), Palette::controlBackground);
+        }
+        QQuickItem* accessSymbol = item("accessSymbol");
+        QQuickItem* accessTitle = item("accessTitle");
+        QCOMPARE(accessSymbol->mapToScene(QPointF(0, 0)) - item("accessStatusBox")->mapToScene(QPointF(0, 0)),
+                 QPointF(16, 16));
+        QCOMPARE(accessTitle->mapToScene(QPointF(0, 0)).x() - accessSymbol->mapToScene(QPointF(accessSymbol->width(), 0)).x(),
+                 12.0);
+        QCOMPARE(top(item("accessDetail")) - bottom(accessTitle), 4.0);
+        QCOMPARE(bottom(item("accessStatusBox")) - bottom(item("accessDetail")), 16.0);
+    }
+
     void summaryBoxHugsItsContent()
     {
         UiFixture ui;
