@@ -97,7 +97,9 @@ Item {
             Layout.alignment: Qt.AlignVCenter
             text: row.menuName
             display: AbstractButton.IconOnly
-            onClicked: rowMenu.popup(menuButton, 0, menuButton.height)
+            // The menu hangs from the button's trailing edge, so that it stays inside the
+            // panel's margins instead of being pushed against the window's edge.
+            onClicked: rowMenu.popup(menuButton, menuButton.width - rowMenu.width, menuButton.height)
 
             Accessible.role: Accessible.ButtonMenu
             Accessible.name: row.menuName

@@ -104,6 +104,36 @@ private slots:
         checkTextsFit(view, 14, 340 - 14);
     }
 
+    void panelRowMenuOpen()
+    {
+        UiFixture ui;
+        ui.fake.trust.trusted = true;
+        for (int pid = 101; pid <= 108; ++pid)
+            ui.addApp(pid, "App " + std::to_string(pid), std::uint64_t(pid) << 20);
+        ui.start();
+        QQuickView& view = ui.panel();
+        QQuickItem* list = ui.find(view, QStringLiteral("appList"));
+        list->setProperty("contentY", list->property("contentHeight").toReal() - list->height());
+        UiFixture::settle();
+        // The last row's menu, at the bottom of the list, stays inside the panel.
+        QQuickItem* content = list->property("contentItem").value<QQuickItem*>();
+        QQuickItem* button = UiFixture::findIn(content, QStringLiteral("appRow_7"));
+        QVERIFY(button);
+        button = UiFixture::findIn(button, QStringLiteral("rowMenuButton"));
+        UiFixture::click(view, button);
+        QObject* menu = button->findChild<QObject*>(QStringLiteral("rowMenu"));
+        QTRY_VERIFY(menu->property("opened").toBool());
+        UiFixture::settle();
+        save(view, "panel_row_menu_open");
+        const qreal menuBottom = menu->property("y").toReal() + menu->property("height").toReal();
+        QQuickItem* menuParent = menu->property("parent").value<QQuickItem*>();
+        QVERIFY(menuParent->mapToScene(QPointF(0, menuBottom)).y() <= view.height());
+        // Its trailing edge is the button's, inside the panel's margin.
+        const qreal menuRight = menu->property("x").toReal() + menu->property("width").toReal();
+        QCOMPARE(menuParent->mapToScene(QPointF(menuRight, 0)).x(), button->mapToScene(QPointF(button->width(), 0)).x());
+        QVERIFY(menuParent->mapToScene(QPointF(menuRight, 0)).x() <= 340 - 14);
+    }
+
     void panelWithoutApps()
     {
         UiFixture ui;
@@ -129,6 +159,21 @@ private slots:
         // The last thing in the window is the row of access buttons, 28 above the bottom.
         QQuickItem* buttons = ui.find(view, QStringLiteral("accessButtons"));
         QCOMPARE(buttons->mapToScene(QPointF(0, buttons->height())).y(), 560.0 - 28);
+    }
+
+    void settingsPickerOpen()
+    {
+        UiFixture ui;
+        ui.setPreference("enabledActions", "hide,forceQuit,minimize");
+        ui.start();
+        QQuickView& view = ui.settings();
+        QQuickItem* picker = ui.find(view, QStringLiteral("defaultActionPicker"));
+        UiFixture::click(view, picker);
+        QObject* popup = picker->property("popup").value<QObject*>();
+        QTRY_VERIFY(popup->property("opened").toBool());
+        UiFixture::settle();
+        save(view, "settings_picker_open");
+        QCOMPARE(picker->property("count").toInt(), 3);
     }
 
     void settingsEndGranted()
