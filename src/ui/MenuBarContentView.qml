@@ -150,13 +150,21 @@ Rectangle {
                 spacing: 8
                 boundsBehavior: Flickable.StopAtBounds
                 model: openApps
-                ScrollBar.vertical: ScrollBar {}
+                ScrollBar.vertical: ScrollBar {
+                    id: appScrollBar
+                    objectName: "appListScrollBar"
+                    // Off while nothing scrolls: the style's bar would still take presses
+                    // over the rows' menu buttons.
+                    policy: appList.contentHeight > appList.height ? ScrollBar.AsNeeded : ScrollBar.AlwaysOff
+                }
 
                 Accessible.role: Accessible.List
                 Accessible.name: panel.openAppsHeading
 
+                // Rows take the full width; only a list that scrolls leaves a lane for its
+                // scroll bar, so that the bar never lies over a row's menu button.
                 delegate: AppRowView {
-                    width: appList.width - 10
+                    width: appList.width - (appList.contentHeight > appList.height ? appScrollBar.width : 0)
                 }
             }
         }

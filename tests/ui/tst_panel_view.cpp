@@ -257,6 +257,13 @@ private slots:
         QCOMPARE(list->height(), 220.0);
         QCOMPARE(list->property("spacing").toReal(), 8.0);
         QVERIFY(list->property("contentHeight").toReal() > 220.0);
+        // A list that scrolls keeps a lane for its scroll bar clear of the rows.
+        QQuickItem* bar = ui.find(view, QStringLiteral("appListScrollBar"));
+        QVERIFY(bar->width() > 0);
+        QQuickItem* content = list->property("contentItem").value<QQuickItem*>();
+        QQuickItem* first = ui.findIn(content, QStringLiteral("appRow_0"));
+        QCOMPARE(first->width(), list->width() - bar->width());
+        QVERIFY(bar->mapToScene(QPointF(0, 0)).x() >= first->mapToScene(QPointF(first->width(), 0)).x());
         const qreal listBottom = list->mapToScene(QPointF(0, list->height())).y();
         qreal previousBottom = listBottom;
         for (const char* name : {"settingsButton", "refreshButton", "quitButton"}) {
@@ -279,8 +286,16 @@ private slots:
         ui.addApp(101, "Notes");
         ui.start();
         QQuickView& view = ui.panel();
-        QCOMPARE(ui.find(view, QStringLiteral("appList"))->height(), 220.0);
+        QQuickItem* list = ui.find(view, QStringLiteral("appList"));
+        QCOMPARE(list->height(), 220.0);
         QVERIFY(!ui.find(view, QStringLiteral("noAppsText"))->isVisible());
+        // A list that does not scroll gives its rows the whole width of the panel's content.
+        QQuickItem* content = list->property("contentItem").value<QQuickItem*>();
+        QQuickItem* only = ui.findIn(content, QStringLiteral("appRow_0"));
+        QCOMPARE(only->width(), 312.0);
+        QQuickItem* menu = ui.findIn(only, QStringLiteral("rowMenuButton"));
+        QCOMPARE(menu->mapToScene(QPointF(menu->width(), 0)).x(), 340.0 - 14);
+        QVERIFY(!ui.find(view, QStringLiteral("appListScrollBar"))->isVisible());
     }
 
     void anEnabledTileRunsItsActionOncePerClick()
