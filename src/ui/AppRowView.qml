@@ -40,6 +40,7 @@ Item {
             Text {
                 objectName: "rowName"
                 text: row.name
+                textFormat: Text.PlainText   // another program's name, shown as it is
                 color: theme.primary
                 font.pixelSize: theme.subheadlineSize
                 maximumLineCount: 1
@@ -51,10 +52,11 @@ Item {
             Text {
                 objectName: "rowStatusLine"
                 text: row.statusLine
+                textFormat: Text.PlainText
                 color: theme.secondary
                 font.pixelSize: theme.captionSize
-                maximumLineCount: 1
-                elide: Text.ElideRight
+                // No line limit: a narrow row wraps the memory text rather than cut it.
+                wrapMode: Text.Wrap
                 Layout.fillWidth: true
                 Accessible.role: Accessible.StaticText
                 Accessible.name: text
@@ -95,7 +97,9 @@ Item {
             Layout.alignment: Qt.AlignVCenter
             text: row.menuName
             display: AbstractButton.IconOnly
-            onClicked: rowMenu.popup(menuButton, 0, menuButton.height)
+            // The menu hangs from the button's trailing edge, so that it stays inside the
+            // panel's margins instead of being pushed against the window's edge.
+            onClicked: rowMenu.popup(menuButton, menuButton.width - rowMenu.width, menuButton.height)
 
             Accessible.role: Accessible.ButtonMenu
             Accessible.name: row.menuName
@@ -116,18 +120,21 @@ Item {
                     objectName: "rowMenuOpen"
                     text: texts.openApp
                     onTriggered: openApps.openApp(row.index)
+                    Accessible.name: text
                     Accessible.onPressAction: if (enabled) clicked()
                 }
                 MenuItem {
                     objectName: "rowMenuCloseApp"
                     text: texts.closeApp
                     onTriggered: openApps.terminateApp(row.index)
+                    Accessible.name: text
                     Accessible.onPressAction: if (enabled) clicked()
                 }
                 MenuItem {
                     objectName: "rowMenuForceQuit"
                     text: texts.forceQuitApp
                     onTriggered: openApps.forceTerminateApp(row.index)
+                    Accessible.name: text
                     Accessible.onPressAction: if (enabled) clicked()
                 }
             }

@@ -17,8 +17,22 @@ Item {
         anchors.fill: parent
         radius: 7
         color: indicator.isSelected ? theme.accent : theme.windowBackground
+        antialiasing: true
+    }
+
+    // A Rectangle's border lies inside it; this one is grown by half the line so that
+    // the 1.5 line is centred on the 24-point square's edge.
+    Rectangle {
+        objectName: "checkboxStroke"
+        x: -border.width / 2
+        y: -border.width / 2
+        width: indicator.width + border.width
+        height: indicator.height + border.width
+        radius: 7 + border.width / 2
+        color: "transparent"
         border.width: 1.5
         border.color: indicator.isSelected ? theme.accent : theme.separator
+        antialiasing: true
     }
 
     SymbolImage {
@@ -27,6 +41,8 @@ Item {
         visible: indicator.isSelected
         name: "checkmark"
         tint: theme.white
-        size: 13
+        // The glyph fills 60 % of its square: 18 gives the 11-point-wide mark of a
+        // 12-point bold check.
+        size: 18
     }
 }

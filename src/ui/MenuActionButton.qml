@@ -53,6 +53,7 @@ Button {
             objectName: "tileTitle"
             width: parent.width
             text: tile.text
+            textFormat: Text.PlainText
             color: theme.primary
             font.pixelSize: theme.captionSize
             horizontalAlignment: Text.AlignHCenter

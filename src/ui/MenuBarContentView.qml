@@ -57,12 +57,13 @@ Rectangle {
             objectName: "accessWarning"
             visible: panel.showsAccessWarning
             width: parent.width
-            spacing: 5
+            spacing: theme.labelSpacing
 
             Accessible.role: Accessible.StaticText
             Accessible.name: warningText.text
 
             SymbolImage {
+                id: warningSymbol
                 anchors.verticalCenter: parent.verticalCenter
                 name: "exclamationmark.triangle.fill"
                 tint: theme.orange
@@ -71,7 +72,7 @@ Rectangle {
             Text {
                 id: warningText
                 objectName: "accessWarningText"
-                width: parent.width - 18
+                width: parent.width - warningSymbol.width - parent.spacing
                 text: texts.accessWarning
                 color: theme.orange
                 font.pixelSize: theme.captionSize
@@ -92,6 +93,8 @@ Rectangle {
             columns: Math.max(columnCount, 1)
             columnSpacing: 10
             rowSpacing: 10
+            // Tiles of one row that differ in height sit on the row's centre line.
+            verticalItemAlignment: Grid.AlignVCenter
 
             Repeater {
                 model: panel.actions
@@ -147,13 +150,21 @@ Rectangle {
                 spacing: 8
                 boundsBehavior: Flickable.StopAtBounds
                 model: openApps
-                ScrollBar.vertical: ScrollBar {}
+                ScrollBar.vertical: ScrollBar {
+                    id: appScrollBar
+                    objectName: "appListScrollBar"
+                    // Off while nothing scrolls: the style's bar would still take presses
+                    // over the rows' menu buttons.
+                    policy: appList.contentHeight > appList.height ? ScrollBar.AsNeeded : ScrollBar.AlwaysOff
+                }
 
                 Accessible.role: Accessible.List
                 Accessible.name: panel.openAppsHeading
 
+                // Rows take the full width; only a list that scrolls leaves a lane for its
+                // scroll bar, so that the bar never lies over a row's menu button.
                 delegate: AppRowView {
-                    width: appList.width - 10
+                    width: appList.width - (appList.contentHeight > appList.height ? appScrollBar.width : 0)
                 }
             }
         }
@@ -168,6 +179,7 @@ Rectangle {
             objectName: "settingsButton"
             text: texts.settings
             onClicked: panel.openSettings()
+            Accessible.name: text
             Accessible.onPressAction: if (enabled) clicked()
         }
 
@@ -175,6 +187,7 @@ Rectangle {
             objectName: "refreshButton"
             text: texts.refresh
             onClicked: panel.refresh()
+            Accessible.name: text
             Accessible.onPressAction: if (enabled) clicked()
         }
 
@@ -182,6 +195,7 @@ Rectangle {
             objectName: "quitButton"
             text: texts.quit
             onClicked: panel.quit()
+            Accessible.name: text
             Accessible.onPressAction: if (enabled) clicked()
         }
     }

@@ -60,18 +60,26 @@ Rectangle {
                     Item {
                         Layout.fillWidth: true
                     }
-                    SymbolImage {
-                        name: "menubar.rectangle"
-                        tint: theme.secondary
-                        size: 14
-                    }
-                    Text {
-                        objectName: "appliedFromMenuBar"
-                        text: texts.appliedFromMenuBar
-                        color: theme.secondary
-                        font.pixelSize: theme.footnoteSize
-                        Accessible.role: Accessible.StaticText
-                        Accessible.name: text
+                    Row {
+                        objectName: "appliedFromMenuBarLabel"
+                        spacing: theme.labelSpacing
+
+                        SymbolImage {
+                            objectName: "appliedFromMenuBarSymbol"
+                            anchors.verticalCenter: parent.verticalCenter
+                            name: "menubar.rectangle"
+                            tint: theme.secondary
+                            size: 14
+                        }
+                        Text {
+                            objectName: "appliedFromMenuBar"
+                            anchors.verticalCenter: parent.verticalCenter
+                            text: texts.appliedFromMenuBar
+                            color: theme.secondary
+                            font.pixelSize: theme.footnoteSize
+                            Accessible.role: Accessible.StaticText
+                            Accessible.name: text
+                        }
                     }
                 }
 
@@ -121,6 +129,23 @@ Rectangle {
                             picker.currentIndex = Qt.binding(() => settings.pickerIndex);
                         }
                         Accessible.name: texts.defaultActionPicker
+                        Accessible.onPressAction: if (enabled) picker.popup.open()
+
+                        // The style's own item, plus a name and a press action for
+                        // assistive technology (a press chooses the item).
+                        delegate: MenuItem {
+                            required property int index
+                            required property string modelData
+
+                            objectName: "defaultActionPickerItem"
+                            width: ListView.view.width
+                            text: modelData
+                            font.weight: picker.currentIndex === index ? Font.DemiBold : Font.Normal
+                            highlighted: picker.highlightedIndex === index
+                            hoverEnabled: picker.hoverEnabled
+                            Accessible.name: text
+                            Accessible.onPressAction: if (enabled) clicked()
+                        }
                     }
                 }
 
@@ -283,16 +308,28 @@ Rectangle {
                     spacing: 12
 
                     Button {
+                        id: grantButton
                         objectName: "grantAccessButton"
                         text: texts.grantAccess
-                        highlighted: true
+                        palette.buttonText: theme.white
+                        // The prominent look: a solid accent fill (the style's own panel
+                        // would wash the accent out into a pale gradient).
+                        background: Rectangle {
+                            objectName: "grantAccessFill"
+                            implicitWidth: 80
+                            implicitHeight: 24
+                            radius: 4
+                            color: grantButton.down ? Qt.darker(theme.accent, 1.2) : theme.accent
+                        }
                         onClicked: settings.requestAccessibilityPermission()
+                        Accessible.name: text
                         Accessible.onPressAction: if (enabled) clicked()
                     }
                     Button {
                         objectName: "openSystemSettingsButton"
                         text: texts.openSystemSettings
                         onClicked: settings.openAccessibilitySettings()
+                        Accessible.name: text
                         Accessible.onPressAction: if (enabled) clicked()
                     }
                 }

@@ -38,6 +38,7 @@ class Theme : public QObject {
     Q_PROPERTY(int subheadlineSize MEMBER subheadlineSize CONSTANT)
     Q_PROPERTY(int captionSize MEMBER captionSize CONSTANT)
     Q_PROPERTY(int footnoteSize MEMBER footnoteSize CONSTANT)
+    Q_PROPERTY(int labelSpacing MEMBER labelSpacing CONSTANT)
 
 public:
     using QObject::QObject;
@@ -65,6 +66,8 @@ public:
     int subheadlineSize = 12;
     int captionSize = 11;
     int footnoteSize = 11;
+    // Between a label's symbol and its text (the access warning, "Applied from the menu bar").
+    int labelSpacing = 5;
 };
 
 } // namespace stowly

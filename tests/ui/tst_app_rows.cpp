@@ -80,8 +80,15 @@ private slots:
         QQuickView& view = ui.panel();
         QQuickItem* notes = row(view, QStringLiteral("Notes"));
         QVERIFY(notes);
-        QCOMPARE(part(notes, "rowStatusLine")->property("text").toString(),
-                 QStringLiteral("Open \u2022 RAM: RAM unavailable"));
+        QQuickItem* line = part(notes, "rowStatusLine");
+        QCOMPARE(line->property("text").toString(), QStringLiteral("Open \u2022 RAM: RAM unavailable"));
+        // The memory text is never cut short, however narrow the row.
+        QVERIFY(!line->property("truncated").toBool());
+        QCOMPARE(line->property("elide").toInt(), int(Qt::ElideNone));
+        notes->setWidth(150);
+        UiFixture::settle();
+        QVERIFY(!line->property("truncated").toBool());
+        QVERIFY(line->property("lineCount").toInt() > 1);
     }
 
     void badgesAreColouredByStatus()
@@ -181,6 +188,67 @@ private slots:
         QVERIFY(rightEdge(name) + 8 <= part(longRow, "rowBadge")->mapToScene(QPointF(0, 0)).x());
     }
 
+    void anAppsNameIsShownAsItIsNeverAsMarkup()
+    {
+        UiFixture ui;
+        const QString odd = QStringLiteral("<i>x</i>&amp;");
+        ui.addApp(101, odd.toStdString());
+        ui.start();
+        QQuickView& view = ui.panel();
+        QQuickItem* name = part(row(view, odd), "rowName");
+        QVERIFY(name);
+        QCOMPARE(name->property("text").toString(), odd);
+        // Drawn as the literal characters, tags and entity included.
+        const QFontMetricsF metrics(name->property("font").value<QFont>());
+        QVERIFY2(qAbs(name->property("contentWidth").toReal() - metrics.horizontalAdvance(odd)) < 2,
+                 qPrintable(QString::number(name->property("contentWidth").toReal())));
+    }
+
+    void rowGeometry()
+    {
+        UiFixture ui;
+        ui.addApp(101, "Notes")->active = true;
+        ui.start();
+        QQuickView& view = ui.panel();
+        QQuickItem* r = row(view, QStringLiteral("Notes"));
+        const Theme theme;
+        const auto left = [](QQuickItem* item) { return item->mapToScene(QPointF(0, 0)).x(); };
+        const auto right = [](QQuickItem* item) { return item->mapToScene(QPointF(item->width(), 0)).x(); };
+        const auto middle = [](QQuickItem* item) { return item->mapToScene(QPointF(0, item->height() / 2)).y(); };
+        QQuickItem* icon = part(r, "appIcon");
+        QQuickItem* name = part(r, "rowName");
+        QQuickItem* line = part(r, "rowStatusLine");
+        QQuickItem* badge = part(r, "rowBadge");
+        QQuickItem* badgeText = part(r, "rowBadgeText");
+        QQuickItem* menu = part(r, "rowMenuButton");
+        // Icon at the leading edge, 10 to the texts; the texts 2 apart.
+        QCOMPARE(left(icon), left(r));
+        QCOMPARE(left(name) - right(icon), 10.0);
+        QCOMPARE(left(line), left(name));
+        QCOMPARE(line->mapToScene(QPointF(0, 0)).y() - name->mapToScene(QPointF(0, name->height())).y(), 2.0);
+        // 2 above and below; every child on the row's centre line.
+        QCOMPARE(r->height(), std::max({24.0, name->height() + 2 + line->height(), badge->height(), menu->height()}) + 4);
+        for (QQuickItem* item : {icon, badge, menu})
+            QVERIFY(qAbs(middle(item) - middle(r)) <= 0.5);
+        // The badge: 8 either side of its text, 4 above and below, a capsule tinted 0.14.
+        QCOMPARE(badge->width(), badgeText->implicitWidth() + 16);
+        QCOMPARE(badge->height(), badgeText->implicitHeight() + 8);
+        QCOMPARE(badge->property("radius").toReal(), badge->height() / 2);
+        QCOMPARE(badgeText->property("font").value<QFont>().weight(), QFont::Medium);
+        QCOMPARE(badgeText->property("font").value<QFont>().pixelSize(), theme.captionSize);
+        QCOMPARE(badgeText->property("color").value<QColor>(), Palette::green);
+        // At least 8 between the texts and the badge, 10 between badge and menu.
+        QVERIFY(left(badge) - right(name) >= 8);
+        QCOMPARE(left(menu) - right(badge), 10.0);
+        // Fonts and colours of the two lines.
+        QCOMPARE(name->property("font").value<QFont>().pixelSize(), theme.subheadlineSize);
+        QCOMPARE(name->property("color").value<QColor>(), Palette::primary);
+        QCOMPARE(line->property("font").value<QFont>().pixelSize(), theme.captionSize);
+        QCOMPARE(line->property("color").value<QColor>(), Palette::secondary);
+        QCOMPARE(name->property("maximumLineCount").toInt(), 1);
+        QCOMPARE(part(r, "rowMenuButton")->findChild<QObject*>(QStringLiteral("rowMenu"))->property("count").toInt(), 3);
+    }
+
     void menuEntriesCallTheModelForTheRowsApp()
     {
         UiFixture ui;
@@ -241,11 +309,35 @@ private slots:
         auto* tile = qobject_cast<QQuickItem*>(object.get());
         tile->setParentItem(window.contentItem());
         tile->setWidth(110);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
         UiFixture::settle();
         QQuickItem* title = UiFixture::findIn(tile, QStringLiteral("tileTitle"));
         QCOMPARE(title->property("lineCount").toInt(), 2);
         QVERIFY(title->property("truncated").toBool());
         QCOMPARE(title->property("horizontalAlignment").toInt(), int(Qt::AlignHCenter));
+        QCOMPARE(title->property("font").value<QFont>().pixelSize(), Theme().captionSize);
+        // 10 above and below, 6 at the sides; the badge 40 square, radius 10, tinted 0.12.
+        QCOMPARE(tile->property("topPadding").toReal(), 10.0);
+        QCOMPARE(tile->property("bottomPadding").toReal(), 10.0);
+        QCOMPARE(tile->property("leftPadding").toReal(), 6.0);
+        QCOMPARE(tile->property("rightPadding").toReal(), 6.0);
+        QCOMPARE(title->width(), 110.0 - 12);
+        QQuickItem* background = tile->property("background").value<QQuickItem*>();
+        QCOMPARE(background->property("radius").toReal(), 12.0);
+        QCOMPARE(background->property("color").value<QColor>(), Palette::controlBackground);
+        QQuickItem* symbol = UiFixture::findIn(tile, QStringLiteral("tileSymbol"));
+        QCOMPARE(symbol->property("tint").value<QColor>(), Palette::accent);
+        QQuickItem* badge = symbol->parentItem();
+        QCOMPARE(badge->width(), 40.0);
+        QCOMPARE(badge->height(), 40.0);
+        QCOMPARE(badge->property("radius").toReal(), 10.0);
+        const QColor fill = badge->property("color").value<QColor>();
+        QCOMPARE(fill.rgb(), Palette::accent.rgb());
+        QVERIFY(qAbs(fill.alphaF() - 0.12) < 0.01);
+        QCOMPARE(badge->mapToScene(QPointF(20, 0)).x(), tile->mapToScene(QPointF(55, 0)).x());
+        QCOMPARE(title->mapToScene(QPointF(0, 0)).y() - badge->mapToScene(QPointF(0, 40)).y(), 8.0);
+        QCOMPARE(tile->height(), 10 + 40 + 8 + title->height() + 10);
         QCOMPARE(tile->opacity(), 1.0);
         QVERIFY(tile->isEnabled());
         tile->setProperty("disabled", true);

@@ -48,6 +48,35 @@ private slots:
         QCOMPARE(view.rootObject()->height(), stack->height() + 28);
     }
 
+    void panelTextStyles()
+    {
+        UiFixture ui;
+        ui.fake.trust.trusted = true;
+        ui.start();
+        QQuickView& view = ui.panel();
+        const Theme theme;
+        const auto font = [&view](const char* name) {
+            return UiFixture::find(view, QLatin1String(name))->property("font").value<QFont>();
+        };
+        const auto color = [&view](const char* name) {
+            return UiFixture::find(view, QLatin1String(name))->property("color").value<QColor>();
+        };
+        QCOMPARE(font("titleText").pixelSize(), theme.headlineSize);
+        QCOMPARE(font("titleText").weight(), QFont::DemiBold);
+        QCOMPARE(font("resultText").pixelSize(), theme.subheadlineSize);
+        QCOMPARE(color("resultText"), Palette::secondary);
+        QCOMPARE(UiFixture::find(view, QStringLiteral("resultText"))->property("textFormat").toInt(), int(Qt::PlainText));
+        QCOMPARE(font("openAppsHeading").pixelSize(), theme.subheadlineSize);
+        QCOMPARE(font("openAppsHeading").weight(), QFont::DemiBold);
+        QCOMPARE(font("noAppsText").pixelSize(), theme.footnoteSize);
+        QCOMPARE(color("noAppsText"), Palette::secondary);
+        // The open-apps section: heading, then the text, 6 apart; dividers around it.
+        QQuickItem* heading = ui.find(view, QStringLiteral("openAppsHeading"));
+        QQuickItem* none = ui.find(view, QStringLiteral("noAppsText"));
+        QCOMPARE(none->mapToScene(QPointF(0, 0)).y() - heading->mapToScene(QPointF(0, heading->height())).y(), 6.0);
+        QCOMPARE(heading->mapToScene(QPointF(0, 0)).x(), 14.0);
+    }
+
     void absentPreferenceShowsAllFourInCatalogueOrderTwoByTwo()
     {
         UiFixture ui;
@@ -70,6 +99,9 @@ private slots:
         QCOMPARE(shown[0]->width(), (312.0 - 10) / 2);
         QCOMPARE(scenePos(shown[1]).x() - (scenePos(shown[0]).x() + shown[0]->width()), 10.0);
         QCOMPARE(scenePos(shown[2]).y() - (scenePos(shown[0]).y() + shown[0]->height()), 10.0);
+        // Tiles of one row that differ in height share the row's centre line.
+        QCOMPARE(ui.find(view, QStringLiteral("actionGrid"))->property("verticalItemAlignment").toInt(),
+                 int(Qt::AlignVCenter));
     }
 
     void storedOrderDoesNotMatterCatalogueOrderDoes()
@@ -146,6 +178,10 @@ private slots:
         QCOMPARE(warningText->property("text").toString(),
                  QStringLiteral("Accessibility access required. Grant it in Settings."));
         QCOMPARE(warningText->property("color").value<QColor>(), Palette::orange);
+        QCOMPARE(warningText->property("font").value<QFont>().pixelSize(), Theme().captionSize);
+        // Symbol and text form one label, the text taking the rest of the width.
+        QCOMPARE(warning->property("spacing").toReal(), qreal(Theme().labelSpacing));
+        QCOMPARE(warningText->mapToScene(QPointF(warningText->width(), 0)).x(), 340.0 - 14);
 
         for (const char* raw : {"minimize", "closeWindows"}) {
             QQuickItem* tile = ui.find(view, QStringLiteral("actionTile_") + QLatin1String(raw));
@@ -221,6 +257,13 @@ private slots:
         QCOMPARE(list->height(), 220.0);
         QCOMPARE(list->property("spacing").toReal(), 8.0);
         QVERIFY(list->property("contentHeight").toReal() > 220.0);
+        // A list that scrolls keeps a lane for its scroll bar clear of the rows.
+        QQuickItem* bar = ui.find(view, QStringLiteral("appListScrollBar"));
+        QVERIFY(bar->width() > 0);
+        QQuickItem* content = list->property("contentItem").value<QQuickItem*>();
+        QQuickItem* first = ui.findIn(content, QStringLiteral("appRow_0"));
+        QCOMPARE(first->width(), list->width() - bar->width());
+        QVERIFY(bar->mapToScene(QPointF(0, 0)).x() >= first->mapToScene(QPointF(first->width(), 0)).x());
         const qreal listBottom = list->mapToScene(QPointF(0, list->height())).y();
         qreal previousBottom = listBottom;
         for (const char* name : {"settingsButton", "refreshButton", "quitButton"}) {
@@ -243,8 +286,16 @@ private slots:
         ui.addApp(101, "Notes");
         ui.start();
         QQuickView& view = ui.panel();
-        QCOMPARE(ui.find(view, QStringLiteral("appList"))->height(), 220.0);
+        QQuickItem* list = ui.find(view, QStringLiteral("appList"));
+        QCOMPARE(list->height(), 220.0);
         QVERIFY(!ui.find(view, QStringLiteral("noAppsText"))->isVisible());
+        // A list that does not scroll gives its rows the whole width of the panel's content.
+        QQuickItem* content = list->property("contentItem").value<QQuickItem*>();
+        QQuickItem* only = ui.findIn(content, QStringLiteral("appRow_0"));
+        QCOMPARE(only->width(), 312.0);
+        QQuickItem* menu = ui.findIn(only, QStringLiteral("rowMenuButton"));
+        QCOMPARE(menu->mapToScene(QPointF(menu->width(), 0)).x(), 340.0 - 14);
+        QVERIFY(!ui.find(view, QStringLiteral("appListScrollBar"))->isVisible());
     }
 
     void anEnabledTileRunsItsActionOncePerClick()

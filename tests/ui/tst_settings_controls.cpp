@@ -79,6 +79,57 @@ private slots:
         QVERIFY(card.item->height() >= 180);
     }
 
+    void cardMetrics()
+    {
+        UiFixture ui;
+        ui.start();
+        Hosted card = host(ui, "ActionOptionCard.qml", {{"option", option()}, {"isSelected", true}}, 170);
+        const Theme theme;
+        QQuickItem* tile = UiFixture::findIn(card.item, QStringLiteral("cardIconTile"));
+        QQuickItem* title = UiFixture::findIn(card.item, QStringLiteral("cardTitle"));
+        QQuickItem* summary = UiFixture::findIn(card.item, QStringLiteral("cardSummary"));
+        QQuickItem* check = UiFixture::findIn(card.item, QStringLiteral("checkboxIndicator"));
+        const auto at = [&card](QQuickItem* item) { return item->mapToItem(card.item, QPointF(0, 0)); };
+        QCOMPARE(at(tile), QPointF(18, 18));
+        QCOMPARE(tile->height(), 52.0);
+        QCOMPARE(tile->property("radius").toReal(), 12.0);
+        // The check box at the trailing edge, on the icon tile's centre line.
+        QCOMPARE(at(check).x() + check->width(), 170.0 - 18);
+        QCOMPARE(at(check).y() + check->height() / 2, 18 + 26.0);
+        QCOMPARE(at(title), QPointF(18, 18 + 52 + 14));
+        QCOMPARE(at(summary).y(), at(title).y() + title->height() + 14);
+        QCOMPARE(summary->width(), 170.0 - 36);
+        QCOMPARE(title->property("font").value<QFont>().pixelSize(), theme.headlineSize);
+        QCOMPARE(title->property("font").value<QFont>().weight(), QFont::DemiBold);
+        QCOMPARE(summary->property("font").value<QFont>().pixelSize(), theme.subheadlineSize);
+        QCOMPARE(summary->property("color").value<QColor>(), Palette::secondary);
+        QCOMPARE(summary->property("horizontalAlignment").toInt(), int(Qt::AlignLeft));
+    }
+
+    void rowMetrics()
+    {
+        UiFixture ui;
+        ui.start();
+        Hosted row = host(ui, "CheckboxRow.qml", {{"title", "Title"}, {"subtitle", "Subtitle"}, {"isOn", true}}, 400);
+        const Theme theme;
+        QQuickItem* check = UiFixture::findIn(row.item, QStringLiteral("checkboxIndicator"));
+        QQuickItem* title = UiFixture::findIn(row.item, QStringLiteral("checkboxRowTitle"));
+        QQuickItem* subtitle = UiFixture::findIn(row.item, QStringLiteral("checkboxRowSubtitle"));
+        const auto at = [&row](QQuickItem* item) { return item->mapToItem(row.item, QPointF(0, 0)); };
+        // 16 inside; the check box and the title both at the top, 14 apart; lines 4 apart.
+        QCOMPARE(at(check), QPointF(16, 16));
+        QCOMPARE(at(title), QPointF(16 + 24 + 14, 16));
+        QCOMPARE(at(subtitle).y(), 16 + title->height() + 4);
+        QCOMPARE(at(title).x() + title->width(), 400.0 - 16);
+        QCOMPARE(row.item->height(), 16 + title->height() + 4 + subtitle->height() + 16);
+        QQuickItem* background = row.item->property("background").value<QQuickItem*>();
+        QCOMPARE(background->property("radius").toReal(), 16.0);
+        QCOMPARE(background->property("color").value<QColor>(), Palette::controlBackground);
+        QCOMPARE(title->property("font").value<QFont>().pixelSize(), theme.headlineSize);
+        QCOMPARE(subtitle->property("font").value<QFont>().pixelSize(), theme.subheadlineSize);
+        QCOMPARE(subtitle->property("color").value<QColor>(), Palette::secondary);
+    }
+
     void unselectedCardLook()
     {
         UiFixture ui;
@@ -174,13 +225,41 @@ private slots:
         QCOMPARE(box->width(), 24.0);
         QCOMPARE(box->height(), 24.0);
         QCOMPARE(box->property("radius").toReal(), 7.0);
-        QObject* border = box->property("border").value<QObject*>();
+        QCOMPARE(box->property("color").value<QColor>(), Palette::accent);
+        // The 1.5 outline is centred on the square's edge: its box reaches 0.75 outside.
+        QQuickItem* stroke = UiFixture::findIn(indicator.item, QStringLiteral("checkboxStroke"));
+        QVERIFY(stroke);
+        QCOMPARE(stroke->x(), -0.75);
+        QCOMPARE(stroke->y(), -0.75);
+        QCOMPARE(stroke->width(), 25.5);
+        QCOMPARE(stroke->height(), 25.5);
+        QCOMPARE(stroke->property("radius").toReal(), 7.75);
+        QObject* border = stroke->property("border").value<QObject*>();
         QCOMPARE(border->property("width").toReal(), 1.5);
+        QCOMPARE(border->property("color").value<QColor>(), Palette::accent);
         QCOMPARE(colorOf(indicator.item, "checkboxMark", "tint"), Palette::white);
         QCOMPARE(UiFixture::findIn(indicator.item, QStringLiteral("checkboxMark"))->property("name").toString(),
                  QStringLiteral("checkmark"));
+        // The white mark spans about 11 of the 24 points, centred.
+        const QImage image = indicator.window->grabWindow();
+        const QRect square = indicator.item->mapRectToScene(QRectF(0, 0, 24, 24)).toRect();
+        int left = square.right(), right = square.left();
+        // Inside the filled square, clear of its rounded corners and outline.
+        for (int y = square.top() + 5; y <= square.bottom() - 5; ++y) {
+            for (int x = square.left() + 2; x <= square.right() - 2; ++x) {
+                if (image.pixelColor(x, y).lightness() > 230) {
+                    left = std::min(left, x);
+                    right = std::max(right, x);
+                }
+            }
+        }
+        QVERIFY2(right - left + 1 >= 10 && right - left + 1 <= 13, qPrintable(QString::number(right - left + 1)));
+        QVERIFY(qAbs((left + right) / 2.0 - square.center().x()) <= 1.5);
+
         indicator.item->setProperty("isSelected", false);
         QCOMPARE(border->property("color").value<QColor>(), Palette::separator);
+        QCOMPARE(box->property("color").value<QColor>(), Palette::windowBackground);
+        QVERIFY(!UiFixture::findIn(indicator.item, QStringLiteral("checkboxMark"))->isVisible());
     }
 };
 

@@ -235,6 +235,98 @@ private slots:
         QVERIFY(UiFixture::findIn(shortcut, QStringLiteral("checkboxMark"))->isVisible());
     }
 
+    void headerLabelKeepsItsSymbolBesideItsText()
+    {
+        UiFixture ui;
+        ui.start();
+        QQuickView& view = ui.settings();
+        QQuickItem* symbol = ui.find(view, QStringLiteral("appliedFromMenuBarSymbol"));
+        QQuickItem* text = ui.find(view, QStringLiteral("appliedFromMenuBar"));
+        QCOMPARE(symbol->property("name").toString(), QStringLiteral("menubar.rectangle"));
+        QCOMPARE(symbol->property("tint").value<QColor>(), Palette::secondary);
+        QCOMPARE(text->property("color").value<QColor>(), Palette::secondary);
+        QCOMPARE(text->property("font").value<QFont>().pixelSize(), Theme().footnoteSize);
+        // The label's own gap, not the header's 10, and the label ends at the right margin.
+        const qreal gap = text->mapToScene(QPointF(0, 0)).x() - symbol->mapToScene(QPointF(symbol->width(), 0)).x();
+        QCOMPARE(gap, qreal(Theme().labelSpacing));
+        QVERIFY(gap < 10);
+        QVERIFY(qAbs(text->mapToScene(QPointF(text->width(), 0)).x() - (760.0 - 28)) < 1);
+    }
+
+    void grantButtonIsFilledWithTheAccentColour()
+    {
+        UiFixture ui;
+        ui.fake.trust.trusted = false;
+        ui.start();
+        QQuickView& view = ui.settings();
+        QQuickItem* grant = ui.find(view, QStringLiteral("grantAccessButton"));
+        QQuickItem* other = ui.find(view, QStringLiteral("openSystemSettingsButton"));
+        QQuickItem* scroller = ui.find(view, QStringLiteral("settingsScroller"));
+        scroller->setProperty("contentY", scroller->property("contentHeight").toReal() - 560);
+        UiFixture::settle();
+        const QImage image = view.grabWindow();
+        // A point inside each button, clear of its text and border.
+        const auto fillAt = [&image](QQuickItem* button) {
+            return image.pixelColor(button->mapToScene(QPointF(4, button->height() / 2)).toPoint());
+        };
+        const QColor grantFill = fillAt(grant);
+        const QColor otherFill = fillAt(other);
+        QVERIFY2(grantFill.blue() > 180 && grantFill.red() < 80, qPrintable(grantFill.name()));
+        QVERIFY2(qAbs(otherFill.red() - otherFill.blue()) < 30, qPrintable(otherFill.name()));
+    }
+
+    void sectionsAndTheirTextStyles()
+    {
+        UiFixture ui;
+        ui.fake.trust.trusted = false;
+        ui.start();
+        QQuickView& view = ui.settings();
+        const Theme theme;
+        const auto item = [&view](const char* name) { return UiFixture::find(view, QLatin1String(name)); };
+        const auto font = [&item](const char* name) { return item(name)->property("font").value<QFont>(); };
+        const auto top = [](QQuickItem* i) { return i->mapToScene(QPointF(0, 0)).y(); };
+        const auto bottom = [](QQuickItem* i) { return i->mapToScene(QPointF(0, i->height())).y(); };
+        for (const char* heading : {"primaryActionHeading", "startupHeading", "accessibilityHeading"}) {
+            QCOMPARE(font(heading).pixelSize(), 20);
+            QCOMPARE(font(heading).weight(), QFont::DemiBold);
+            QCOMPARE(item(heading)->mapToScene(QPointF(0, 0)).x(), 28.0);
+        }
+        QCOMPARE(font("actionsIntro").pixelSize(), theme.subheadlineSize);
+        QCOMPARE(item("actionsIntro")->property("color").value<QColor>(), Palette::secondary);
+        QCOMPARE(font("defaultSummaryTitle").pixelSize(), theme.headlineSize);
+        QCOMPARE(font("defaultSummaryText").pixelSize(), theme.subheadlineSize);
+        QCOMPARE(item("defaultSummaryText")->property("color").value<QColor>(), Palette::secondary);
+        QCOMPARE(font("accessTitle").pixelSize(), theme.headlineSize);
+        QCOMPARE(font("accessDetail").pixelSize(), theme.subheadlineSize);
+        QCOMPARE(item("accessDetail")->property("color").value<QColor>(), Palette::secondary);
+        // 28 around the sections, 18 inside each: the first heading 28 from the top.
+        QCOMPARE(top(item("primaryActionHeading")), 28.0);
+        QCOMPARE(top(item("startupSection")) - bottom(item("actionSection")), 28.0 + 1 + 28.0);
+        QCOMPARE(top(item("actionsIntro")) - bottom(item("primaryActionHeading")), 18.0);
+        QCOMPARE(top(item("actionCards")) - bottom(item("actionsIntro")), 18.0);
+        QCOMPARE(top(item("launchAtLoginRow")) - bottom(item("startupHeading")), 18.0);
+        QCOMPARE(top(item("mainShortcutRow")) - bottom(item("launchAtLoginRow")), 16.0);
+        QCOMPARE(top(item("accessStatusBox")) - bottom(item("accessibilityHeading")), 18.0);
+        QCOMPARE(top(item("accessButtons")) - bottom(item("accessStatusBox")), 18.0);
+        // Both buttons of the access row, 12 apart.
+        QQuickItem* grant = item("grantAccessButton");
+        QQuickItem* other = item("openSystemSettingsButton");
+        QCOMPARE(other->mapToScene(QPointF(0, 0)).x() - grant->mapToScene(QPointF(grant->width(), 0)).x(), 12.0);
+        // The two boxes: 16 inside, radius 16, the symbol 12 from the texts, texts 4 apart.
+        for (const char* box : {"summaryBox", "accessStatusBox"}) {
+            QCOMPARE(item(box)->property("radius").toReal(), 16.0);
+            QCOMPARE(item(box)->property("color").value<QColor>(), Palette::controlBackground);
+        }
+        QQuickItem* accessSymbol = item("accessSymbol");
+        QQuickItem* accessTitle = item("accessTitle");
+        QCOMPARE(accessSymbol->mapToScene(QPointF(0, 0)) - item("accessStatusBox")->mapToScene(QPointF(0, 0)),
+                 QPointF(16, 16));
+        QCOMPARE(accessTitle->mapToScene(QPointF(0, 0)).x() - accessSymbol->mapToScene(QPointF(accessSymbol->width(), 0)).x(),
+                 12.0);
+        QCOMPARE(top(item("accessDetail")) - bottom(accessTitle), 4.0);
+        QCOMPARE(bottom(item("accessStatusBox")) - bottom(item("accessDetail")), 16.0);
+    }
+
     void summaryBoxHugsItsContent()
     {
         UiFixture ui;
