@@ -62,10 +62,11 @@ AXError finish(XConnection& x)
 // Without a round trip: a window we watch exists as far as the server has told us (its
 // destruction would have ended the watch), so a request to it needs no check of its own.
 // The server handles our requests in order, so whatever we read next already sees this
-// request delivered; the connection's own end does a round trip before it closes.
+// request delivered; the connection's own end does a round trip before it closes. Within
+// a walk over listed apps the request goes out with the walk's others when it ends.
 AXError finishWithoutWaiting(XConnection& x)
 {
-    xcb_flush(x.get());
+    x.flushRequests();
     return x.isConnected() ? kAXErrorSuccess : kAXErrorCannotComplete;
 }
 
@@ -73,7 +74,7 @@ bool knownToExist(XConnection& x, xcb_window_t window)
 {
     if (!x.isConnected())
         return false;
-    x.drainEvents();
+    x.drainEventsOlderThan(kWalkStepFreshness);
     return x.isWatched(window);
 }
 

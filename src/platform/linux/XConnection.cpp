@@ -71,6 +71,13 @@ XConnection::XConnection(std::string displayName) : m_displayName(std::move(disp
 
 XConnection::~XConnection()
 {
+    {
+        const std::lock_guard lock(m_lifetimeMutex);
+        m_lateFlushStop = true;
+    }
+    m_lateFlushWake.notify_one();
+    if (m_lateFlusher.joinable())
+        m_lateFlusher.join();
     disconnect();
 }
 
@@ -105,7 +112,10 @@ bool XConnection::connect()
         xcb_disconnect(c);
         return false;
     }
-    m_connection = c;
+    {
+        const std::lock_guard lock(m_lifetimeMutex);
+        m_connection = c;
+    }
     m_root = screens.data->root;
     ++m_generation;
     resetTracking();
@@ -171,8 +181,11 @@ void XConnection::disconnect()
         // Requests still in flight must reach the server before the socket closes.
         sync();
     }
-    xcb_disconnect(m_connection);
-    m_connection = nullptr;
+    {
+        const std::lock_guard lock(m_lifetimeMutex);
+        xcb_disconnect(m_connection);
+        m_connection = nullptr;
+    }
     m_helper = 0;
     m_root = 0;
     resetTracking();
@@ -188,6 +201,8 @@ void XConnection::resetTracking()
     m_latestSnapshot.reset();
     m_wmSupportsClose.reset();
     m_lastServerTime = XCB_CURRENT_TIME;
+    m_lastSocketRead = {};
+    m_hold->waiting = false;   // the old connection's requests went out with its last round trip, or are lost
 }
 
 void XConnection::drainEvents()
@@ -209,6 +224,7 @@ void XConnection::drainEvents()
         return count;
     };
     takeQueued();
+    m_lastSocketRead = std::chrono::steady_clock::now();
     for (;;) {
         // The queue is empty now, so this reads the socket.
         xcb_generic_event_t* event = xcb_poll_for_event(m_connection);
@@ -218,6 +234,20 @@ void XConnection::drainEvents()
         std::free(event);
         if (1 + takeQueued() < kEventsPerRead)
             return;
+    }
+}
+
+void XConnection::drainEventsOlderThan(std::chrono::microseconds maxAge)
+{
+    if (m_connection == nullptr)
+        return;
+    if (std::chrono::steady_clock::now() - m_lastSocketRead >= maxAge) {
+        drainEvents();
+        return;
+    }
+    while (xcb_generic_event_t* event = xcb_poll_for_queued_event(m_connection)) {
+        handleEvent(event);
+        std::free(event);
     }
 }
 
@@ -253,6 +283,7 @@ void XConnection::handleEvent(const xcb_generic_event_t* event)
                 entry->second = ++m_serial;
             else
                 changes.emplace_back(notify->atom, ++m_serial);
+            it->second.lastChange = m_serial;
         }
         break;
     }
@@ -278,6 +309,12 @@ bool XConnection::propertyChangedSince(xcb_window_t window, xcb_atom_t property,
     return false;
 }
 
+bool XConnection::anyPropertyChangedSince(xcb_window_t window, std::uint64_t serial) const
+{
+    const auto it = m_watched.find(window);
+    return it == m_watched.end() || it->second.since > serial || it->second.lastChange > serial;
+}
+
 void XConnection::watchWindow(xcb_window_t window)
 {
     if (!isConnected() || m_watched.count(window) != 0)
@@ -285,7 +322,7 @@ void XConnection::watchWindow(xcb_window_t window)
     // Our own event mask on another client's window: it changes nothing for that client.
     const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(m_connection, window, XCB_CW_EVENT_MASK, &mask);
-    m_watched.emplace(window, Watch{++m_serial, {}});
+    m_watched.emplace(window, Watch{++m_serial, 0, {}});
 }
 
 void XConnection::forgetWindowsExcept(const std::vector<xcb_window_t>& listed)
@@ -342,6 +379,63 @@ xcb_timestamp_t XConnection::serverTime()
         std::free(event);
     }
     return time;
+}
+
+std::shared_ptr<void> XConnection::holdRequests()
+{
+    ++m_hold->holders;
+    // The token may outlive this connection object; then it has nothing left to write.
+    return std::shared_ptr<void>(nullptr, [weak = std::weak_ptr<Hold>(m_hold)](void*) {
+        if (const auto hold = weak.lock())
+            if (--hold->holders == 0 && hold->waiting)
+                hold->owner->flushHeldRequests();
+    });
+}
+
+void XConnection::flushRequests()
+{
+    if (m_hold->holders > 0) {
+        m_hold->waiting = true;
+        scheduleLateFlush();
+    } else {
+        flushHeldRequests();
+    }
+}
+
+void XConnection::scheduleLateFlush()
+{
+    const std::lock_guard lock(m_lifetimeMutex);
+    if (m_lateFlushAt)
+        return;
+    m_lateFlushAt = std::chrono::steady_clock::now() + kHeldRequestsMaxDelay;
+    if (!m_lateFlusher.joinable())
+        m_lateFlusher = std::thread([this] { lateFlushLoop(); });
+    else
+        m_lateFlushWake.notify_one();
+}
+
+void XConnection::lateFlushLoop()
+{
+    std::unique_lock lock(m_lifetimeMutex);
+    while (!m_lateFlushStop) {
+        if (!m_lateFlushAt) {
+            m_lateFlushWake.wait(lock);
+        } else if (std::chrono::steady_clock::now() < *m_lateFlushAt) {
+            m_lateFlushWake.wait_until(lock, *m_lateFlushAt);
+        } else {
+            m_lateFlushAt.reset();
+            // Usually the walk has written them out already; then this writes nothing.
+            if (m_connection != nullptr && xcb_connection_has_error(m_connection) == 0)
+                xcb_flush(m_connection);
+        }
+    }
+}
+
+void XConnection::flushHeldRequests()
+{
+    m_hold->waiting = false;
+    if (isConnected())
+        xcb_flush(m_connection);
 }
 
 void XConnection::sendToRoot(xcb_window_t window, Atom type, std::array<std::uint32_t, 5> data)

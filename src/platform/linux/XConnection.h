@@ -4,10 +4,13 @@
 
 #include <array>
 #include <chrono>
+#include <condition_variable>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
+#include <thread>
 #include <unordered_map>
 #include <vector>
 
@@ -50,6 +53,10 @@ enum class Atom : int {
 
 struct WindowSnapshot;
 
+// How long what was last read from the socket counts as current for the next step of a
+// walk over windows (see XConnection::drainEventsOlderThan).
+inline constexpr std::chrono::microseconds kWalkStepFreshness{250};
+
 // One connection to the X server, shared by every X-backed service. It never lets an
 // X error end the program: replies are always fetched with an error out-parameter, and
 // errors of requests without replies are drained from the event queue and dropped.
@@ -76,6 +83,10 @@ public:
     // Reads every queued event and asynchronous error (without a round trip) and keeps
     // what they say about the client list and the watched windows; then drops them.
     void drainEvents();
+    // The same, except that the socket is read only when its last read is older than
+    // `maxAge`: the per-window steps of a walk follow each other within microseconds, and
+    // news that arrived in that time is no different from news of a moment after the step.
+    void drainEventsOlderThan(std::chrono::microseconds maxAge);
 
     // What the server has told us, counted in event serials: a snapshot remembers the
     // serial it was taken at and is still exact for what has not changed since.
@@ -86,6 +97,9 @@ public:
     // True for a window we do not watch (nothing is known about it), or whose property
     // changed after `serial`.
     bool propertyChangedSince(xcb_window_t window, xcb_atom_t property, std::uint64_t serial) const;
+    // The same for any property at all: one lookup spares an unchanged window the
+    // questions about each property.
+    bool anyPropertyChangedSince(xcb_window_t window, std::uint64_t serial) const;
     // A watched window exists as far as the server has told us: its destruction (or a
     // BadWindow for it) would have ended the watch.
     bool isWatched(xcb_window_t window) const { return m_watched.count(window) != 0; }
@@ -118,11 +132,28 @@ public:
     // requests addressed to the window manager.
     void sendToRoot(xcb_window_t window, Atom type, std::array<std::uint32_t, 5> data);
 
+    // Requests that need no reply may wait in xcb's buffer while a walk over listed apps
+    // is under way: the walk sends one per window, and one write at its end wakes the
+    // server and the window manager once instead of once per request. Every holder of a
+    // token from holdRequests() keeps them waiting (the workspace gives one to each app it
+    // lists); when the last token goes, what waits is written out at once. Any round trip
+    // writes it out too, and so does disconnecting (after which it is a round trip). A
+    // holder that keeps its token past the walk delays them by kHeldRequestsMaxDelay at
+    // most: a helper thread writes them out then.
+    std::shared_ptr<void> holdRequests();
+    static constexpr std::chrono::milliseconds kHeldRequestsMaxDelay{2};
+    // Writes our requests out now, or when the last holder lets go.
+    void flushRequests();
+    // Writes out what waits, held or not.
+    void flushHeldRequests();
+
 private:
     bool connect();
     void disconnect();
     void handleEvent(const xcb_generic_event_t* event);
     void resetTracking();
+    void scheduleLateFlush();
+    void lateFlushLoop();
 
     std::string m_displayName;
     xcb_connection_t* m_connection = nullptr;
@@ -138,12 +169,27 @@ private:
     std::uint64_t m_rootStateChangedAt = 0;
     struct Watch {
         std::uint64_t since = 0;   // serial at which the events were selected
+        std::uint64_t lastChange = 0;   // serial of the latest change of any property
         std::vector<std::pair<xcb_atom_t, std::uint64_t>> changes;   // property -> serial of its last change
     };
     std::unordered_map<xcb_window_t, Watch> m_watched;
     std::shared_ptr<const WindowSnapshot> m_latestSnapshot;
+    struct Hold {
+        XConnection* owner = nullptr;
+        int holders = 0;
+        bool waiting = false;   // requests were left in xcb's buffer
+    };
+    std::shared_ptr<Hold> m_hold = std::make_shared<Hold>(Hold{this, 0, false});
+    // The late flush runs on its own thread (xcb is thread-safe); this lock keeps the
+    // connection from being replaced or closed under it.
+    std::mutex m_lifetimeMutex;
+    std::condition_variable m_lateFlushWake;
+    std::thread m_lateFlusher;
+    bool m_lateFlushStop = false;
+    std::optional<std::chrono::steady_clock::time_point> m_lateFlushAt;
     std::optional<bool> m_wmSupportsClose;
     xcb_timestamp_t m_lastServerTime = XCB_CURRENT_TIME;
+    std::chrono::steady_clock::time_point m_lastSocketRead{};
     std::chrono::steady_clock::time_point m_lastServerTimeAt{};
 };
 
