@@ -75,9 +75,6 @@ void LinuxWorkspace::beginProcessPass()
 
 std::shared_ptr<const LinuxWorkspace::AppTable> LinuxWorkspace::freshTable()
 {
-    // Requests an earlier walk left waiting (were its apps still held somewhere) go out
-    // no later than the next listing.
-    m_x.flushHeldRequests();
     m_entries.refreshIfChanged();
     return buildTable(currentWindowSnapshot(m_x, m_icons));
 }
@@ -132,9 +129,7 @@ LinuxWorkspace::buildTable(std::shared_ptr<const WindowSnapshot> snapshot)
                 }
             }
         }
-        // A walk over these apps (minimize all, close all) holds them while it sends one
-        // request per window; the requests go out together when it lets go of them.
-        auto app = std::make_shared<LinuxRunningApplication>(*this, std::move(state), m_x.holdRequests());
+        auto app = std::make_shared<LinuxRunningApplication>(*this, std::move(state));
         table->apps.push_back(app);
         table->byPid.emplace(pid, app);
     }

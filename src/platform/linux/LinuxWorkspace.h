@@ -27,9 +27,8 @@ struct AppState {
 
 class LinuxRunningApplication : public RunningApplication {
 public:
-    // `hold`: from XConnection::holdRequests(), kept while this app is.
-    LinuxRunningApplication(LinuxWorkspace& workspace, AppState state, std::shared_ptr<void> hold)
-        : m_workspace(workspace), m_state(std::move(state)), m_hold(std::move(hold)) {}
+    LinuxRunningApplication(LinuxWorkspace& workspace, AppState state)
+        : m_workspace(workspace), m_state(std::move(state)) {}
 
     std::int32_t processIdentifier() const override { return m_state.pid; }
     bool isTerminated() const override;
@@ -48,7 +47,6 @@ public:
 private:
     LinuxWorkspace& m_workspace;
     AppState m_state;
-    std::shared_ptr<void> m_hold;
 };
 
 // The running applications of an EWMH desktop: one per process owning client windows.

@@ -62,11 +62,14 @@ AXError finish(XConnection& x)
 // Without a round trip: a window we watch exists as far as the server has told us (its
 // destruction would have ended the watch), so a request to it needs no check of its own.
 // The server handles our requests in order, so whatever we read next already sees this
-// request delivered; the connection's own end does a round trip before it closes. Within
-// a walk over listed apps the request goes out with the walk's others when it ends.
+// request delivered; the connection's own end does a round trip before it closes.
+// Each request is written out at once. Held back to the end of a walk, the iconify
+// requests for a client that opens and closes windows quickly made openbox keep one of
+// them in _NET_CLIENT_LIST after it was destroyed: the later a request arrives, the
+// likelier its window is being withdrawn as the window manager handles it.
 AXError finishWithoutWaiting(XConnection& x)
 {
-    x.flushRequests();
+    xcb_flush(x.get());
     return x.isConnected() ? kAXErrorSuccess : kAXErrorCannotComplete;
 }
 

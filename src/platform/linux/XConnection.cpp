@@ -71,13 +71,6 @@ XConnection::XConnection(std::string displayName) : m_displayName(std::move(disp
 
 XConnection::~XConnection()
 {
-    {
-        const std::lock_guard lock(m_lifetimeMutex);
-        m_lateFlushStop = true;
-    }
-    m_lateFlushWake.notify_one();
-    if (m_lateFlusher.joinable())
-        m_lateFlusher.join();
     disconnect();
 }
 
@@ -112,10 +105,7 @@ bool XConnection::connect()
         xcb_disconnect(c);
         return false;
     }
-    {
-        const std::lock_guard lock(m_lifetimeMutex);
-        m_connection = c;
-    }
+    m_connection = c;
     m_root = screens.data->root;
     ++m_generation;
     resetTracking();
@@ -181,11 +171,8 @@ void XConnection::disconnect()
         // Requests still in flight must reach the server before the socket closes.
         sync();
     }
-    {
-        const std::lock_guard lock(m_lifetimeMutex);
-        xcb_disconnect(m_connection);
-        m_connection = nullptr;
-    }
+    xcb_disconnect(m_connection);
+    m_connection = nullptr;
     m_helper = 0;
     m_root = 0;
     resetTracking();
@@ -202,7 +189,6 @@ void XConnection::resetTracking()
     m_wmSupportsClose.reset();
     m_lastServerTime = XCB_CURRENT_TIME;
     m_lastSocketRead = {};
-    m_hold->waiting = false;   // the old connection's requests went out with its last round trip, or are lost
 }
 
 void XConnection::drainEvents()
@@ -379,63 +365,6 @@ xcb_timestamp_t XConnection::serverTime()
         std::free(event);
     }
     return time;
-}
-
-std::shared_ptr<void> XConnection::holdRequests()
-{
-    ++m_hold->holders;
-    // The token may outlive this connection object; then it has nothing left to write.
-    return std::shared_ptr<void>(nullptr, [weak = std::weak_ptr<Hold>(m_hold)](void*) {
-        if (const auto hold = weak.lock())
-            if (--hold->holders == 0 && hold->waiting)
-                hold->owner->flushHeldRequests();
-    });
-}
-
-void XConnection::flushRequests()
-{
-    if (m_hold->holders > 0) {
-        m_hold->waiting = true;
-        scheduleLateFlush();
-    } else {
-        flushHeldRequests();
-    }
-}
-
-void XConnection::scheduleLateFlush()
-{
-    const std::lock_guard lock(m_lifetimeMutex);
-    if (m_lateFlushAt)
-        return;
-    m_lateFlushAt = std::chrono::steady_clock::now() + kHeldRequestsMaxDelay;
-    if (!m_lateFlusher.joinable())
-        m_lateFlusher = std::thread([this] { lateFlushLoop(); });
-    else
-        m_lateFlushWake.notify_one();
-}
-
-void XConnection::lateFlushLoop()
-{
-    std::unique_lock lock(m_lifetimeMutex);
-    while (!m_lateFlushStop) {
-        if (!m_lateFlushAt) {
-            m_lateFlushWake.wait(lock);
-        } else if (std::chrono::steady_clock::now() < *m_lateFlushAt) {
-            m_lateFlushWake.wait_until(lock, *m_lateFlushAt);
-        } else {
-            m_lateFlushAt.reset();
-            // Usually the walk has written them out already; then this writes nothing.
-            if (m_connection != nullptr && xcb_connection_has_error(m_connection) == 0)
-                xcb_flush(m_connection);
-        }
-    }
-}
-
-void XConnection::flushHeldRequests()
-{
-    m_hold->waiting = false;
-    if (isConnected())
-        xcb_flush(m_connection);
 }
 
 void XConnection::sendToRoot(xcb_window_t window, Atom type, std::array<std::uint32_t, 5> data)

@@ -4,13 +4,10 @@
 
 #include <array>
 #include <chrono>
-#include <condition_variable>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
-#include <thread>
 #include <unordered_map>
 #include <vector>
 
@@ -132,28 +129,11 @@ public:
     // requests addressed to the window manager.
     void sendToRoot(xcb_window_t window, Atom type, std::array<std::uint32_t, 5> data);
 
-    // Requests that need no reply may wait in xcb's buffer while a walk over listed apps
-    // is under way: the walk sends one per window, and one write at its end wakes the
-    // server and the window manager once instead of once per request. Every holder of a
-    // token from holdRequests() keeps them waiting (the workspace gives one to each app it
-    // lists); when the last token goes, what waits is written out at once. Any round trip
-    // writes it out too, and so does disconnecting (after which it is a round trip). A
-    // holder that keeps its token past the walk delays them by kHeldRequestsMaxDelay at
-    // most: a helper thread writes them out then.
-    std::shared_ptr<void> holdRequests();
-    static constexpr std::chrono::milliseconds kHeldRequestsMaxDelay{2};
-    // Writes our requests out now, or when the last holder lets go.
-    void flushRequests();
-    // Writes out what waits, held or not.
-    void flushHeldRequests();
-
 private:
     bool connect();
     void disconnect();
     void handleEvent(const xcb_generic_event_t* event);
     void resetTracking();
-    void scheduleLateFlush();
-    void lateFlushLoop();
 
     std::string m_displayName;
     xcb_connection_t* m_connection = nullptr;
@@ -174,19 +154,6 @@ private:
     };
     std::unordered_map<xcb_window_t, Watch> m_watched;
     std::shared_ptr<const WindowSnapshot> m_latestSnapshot;
-    struct Hold {
-        XConnection* owner = nullptr;
-        int holders = 0;
-        bool waiting = false;   // requests were left in xcb's buffer
-    };
-    std::shared_ptr<Hold> m_hold = std::make_shared<Hold>(Hold{this, 0, false});
-    // The late flush runs on its own thread (xcb is thread-safe); this lock keeps the
-    // connection from being replaced or closed under it.
-    std::mutex m_lifetimeMutex;
-    std::condition_variable m_lateFlushWake;
-    std::thread m_lateFlusher;
-    bool m_lateFlushStop = false;
-    std::optional<std::chrono::steady_clock::time_point> m_lateFlushAt;
     std::optional<bool> m_wmSupportsClose;
     xcb_timestamp_t m_lastServerTime = XCB_CURRENT_TIME;
     std::chrono::steady_clock::time_point m_lastSocketRead{};
