@@ -24,6 +24,10 @@ import time
 TARGET_CLASS = "xterm"
 TARGETS = 40
 XDOTOOL = "xdotool search --class xterm windowminimize %@"
+REST_APPS = 20
+REST_PROCESSES = 200
+# The desktop test bed and program driver of the end-to-end tests, reused for the rest case.
+E2E_DIR = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "tests", "ui", "e2e")
 
 
 def log(*args):
@@ -296,49 +300,82 @@ class Runner:
 
     # -- at rest ---------------------------------------------------------------------
     def at_rest(self, seconds, program=None):
-        """CPU and resident memory of the idle program with 20 apps open, over `seconds`."""
-        bed = self.bed
-        bed.set_extra_windows(0)
-        bed.set_xterms(20)
-        bed.set_processes(200)
+        """CPU and resident memory of the idle program with REST_APPS apps open, over `seconds`
+        with the panel closed, then as long again with the panel open (opened by a click on
+        the tray icon). Runs on the desktop test bed of the end-to-end tests (Xvfb, openbox,
+        tint2 with its tray at the top), driven as those tests drive the program."""
+        sys.path.insert(0, E2E_DIR)
+        from testbed import TestBed as DesktopBed      # noqa: E402
+        from stowlydriver import Stowly                # noqa: E402
+
         if program is None:
             program = next((p for p in (os.path.join(self.build, "bin", "stowly"),
                                         os.path.join(self.build, "src", "app", "stowly")) if os.path.exists(p)), "")
-        if os.path.exists(program):
-            what = f"{os.path.basename(program)} with its tray icon, panel closed"
-            # The program's tray icon needs a tray: tint2's default panel has one.
-            bed.others.append(bed.spawn(["tint2"]))
-            time.sleep(1)
-        else:
+        real = os.path.exists(program)
+        if not real:
             program = os.path.join(self.build, "bench", "stowly_bench_host")
-            what = "minimal host (QCoreApplication + AppModel over the Linux backend; no stowly program was found)"
-        process = bed.spawn([program])
-        bed.others.append(process)
-        time.sleep(5)   # start-up is not rest
-        if process.poll() is not None:
-            raise RuntimeError(f"{program} exited at once ({process.returncode})")
-        bed.set_processes(200)   # others' processes come and go on a shared machine
+        helper = self.bed.helper
+        bed = DesktopBed().start(tray=real, accessibility=False)
+        try:
+            for i in range(REST_APPS):
+                bed.spawn_app(["xterm", "-geometry", f"60x10+{20 * i}+{40 + 15 * i}"])
+            waited = subprocess.run([helper, "wait-class", TARGET_CLASS, str(REST_APPS), "60"], env=bed.env,
+                                    capture_output=True, text=True, timeout=90)
+            if waited.returncode != 0:
+                raise RuntimeError(f"only {waited.stdout.strip()} of {REST_APPS} xterm windows appeared")
+            if real:
+                stowly = Stowly(bed, program).start()
+                process = stowly.process
+            else:
+                process = bed.spawn("host", [program])
+            time.sleep(5)   # start-up is not rest
+            if process.poll() is not None:
+                raise RuntimeError(f"{program} exited at once ({process.returncode})")
+            # Others' processes come and go on a shared machine: top the count up once.
+            if process_count() < REST_PROCESSES:
+                bed.spawn("idle", [helper, "idle", str(REST_PROCESSES - process_count() - 1)])
+                bed.wait_for(lambda: process_count() >= REST_PROCESSES - 5, "the idle processes", 30)
+                time.sleep(1)
+            closed = self.rest_sample(process.pid, seconds)
+            closed["what"] = "panel closed"
+            samples = [closed]
+            if real:
+                stowly.open_panel()
+                time.sleep(5)   # opening, and the first refreshes that fill the list, are not rest
+                opened = self.rest_sample(process.pid, seconds)
+                if stowly.panel_window() is None:
+                    raise RuntimeError("the panel closed while it was measured open")
+                opened["what"] = "panel open"
+                samples.append(opened)
+            if process.poll() is not None:
+                raise RuntimeError(f"{program} ended during the measurement ({process.returncode})")
+            what = (f"{os.path.basename(program)} with its tray icon" if real else
+                    "minimal host (QCoreApplication + AppModel over the Linux backend; no stowly program was found)")
+            return {"what": what, "apps": REST_APPS, "processes": process_count(), "samples": samples}
+        finally:
+            bed.stop()
+
+    @staticmethod
+    def rest_sample(pid, seconds):
+        """CPU time (utime + stime) over `seconds`, and resident memory at their end."""
         ticks = os.sysconf("SC_CLK_TCK")
 
         def cpu():
-            with open(f"/proc/{process.pid}/stat") as f:
+            with open(f"/proc/{pid}/stat") as f:
                 fields = f.read().rsplit(")", 1)[1].split()
             return (int(fields[11]) + int(fields[12])) / ticks
 
         c0, t0 = cpu(), time.monotonic()
         time.sleep(seconds)
         c1, t1 = cpu(), time.monotonic()
-        status = open(f"/proc/{process.pid}/status").read()
-        rss = int(re.search(r"VmRSS:\s+(\d+)", status).group(1))
-        hwm = int(re.search(r"VmHWM:\s+(\d+)", status).group(1))
-        anon = int(re.search(r"RssAnon:\s+(\d+)", status).group(1))
-        apps = len(bed.xterms)
-        processes = process_count()
-        for other in list(bed.others):
-            bed.end(other)
-        bed.others = []
-        return {"what": what, "seconds": t1 - t0, "cpu_percent": 100 * (c1 - c0) / (t1 - t0), "rss_kb": rss,
-                "hwm_kb": hwm, "anon_kb": anon, "apps": apps, "processes": processes}
+        with open(f"/proc/{pid}/status") as f:
+            status = f.read()
+
+        def kb(field):
+            return int(re.search(field + r":\s+(\d+)", status).group(1))
+
+        return {"seconds": t1 - t0, "cpu_percent": 100 * (c1 - c0) / (t1 - t0), "rss_kb": kb("VmRSS"),
+                "hwm_kb": kb("VmHWM"), "anon_kb": kb("RssAnon")}
 
 
 # -- the table ---------------------------------------------------------------------------
@@ -407,11 +444,23 @@ def build_table(results, rest):
                   "| Operation | Windows | Processes | Ours per process | Floor per process | Ours / floor |",
                   "|---|---|---|---|---|---|"] + growth
     if rest:
-        extra += ["", "At rest (" + rest["what"] + f"; {rest['apps']} apps open, {rest['processes']} processes, "
-                  f"{rest['seconds']:.0f} s): CPU {rest['cpu_percent']:.3f} % of one core; "
-                  f"resident {rest['rss_kb'] / 1024:.1f} MiB, of it {rest['anon_kb'] / 1024:.1f} MiB private "
-                  f"(RssAnon), peak {rest['hwm_kb'] / 1024:.1f} MiB."]
+        extra += rest_lines(rest)
     return "\n".join(lines + extra)
+
+
+def rest_lines(rest):
+    samples = rest.get("samples")
+    if samples is None:   # a saved run from before the panel-open case
+        samples = [dict(rest, what="panel closed")]
+    seconds = max(s["seconds"] for s in samples)
+    lines = ["", f"At rest ({rest['what']}; {rest['apps']} apps open, {rest['processes']} processes, "
+             f"{seconds:.0f} s each):", "",
+             "| Stowly at rest | CPU (% of one core) | Resident | of it private (RssAnon) | Peak resident |",
+             "|---|---|---|---|---|"]
+    for s in samples:
+        lines.append(f"| {s['what']} | {s['cpu_percent']:.3f} % | {s['rss_kb'] / 1024:.1f} MiB "
+                     f"| {s['anon_kb'] / 1024:.1f} MiB | {s['hwm_kb'] / 1024:.1f} MiB |")
+    return lines
 
 
 def growth_lines(results):
@@ -467,7 +516,9 @@ READING_NOTES = """How to read it:
   There is no floor for closing.
 - The other tools are timed whole, as a user runs them once; their ratio is their time over ours.
 - At rest: CPU time of the program (utime + stime from `/proc/PID/stat`) over the interval, with its
-  one-second refresh running and nothing else happening on the display.
+  one-second refresh running and nothing else happening on the display; resident memory at its end.
+  It runs on the desktop of the end-to-end tests (Xvfb, openbox, tint2 with a tray): first with the
+  panel closed, then, after a click on the tray icon, with the panel open for as long again.
 """
 
 
@@ -518,6 +569,7 @@ def main():
             for p in plist:
                 results.append(runner.configuration(p, w))
         if args.rest_seconds > 0 and runner.have_backend:
+            bed.stop()   # the rest case has a desktop of its own; this one's clients would only add noise
             rest = runner.at_rest(args.rest_seconds, args.rest_program)
     finally:
         bed.stop()

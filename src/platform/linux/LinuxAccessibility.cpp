@@ -16,8 +16,11 @@ struct ApplicationElement : AXElement {
 };
 
 struct WindowElement : AXElement {
-    WindowElement(ClientWindow info, std::uint64_t generation) : info(std::move(info)), generation(generation) {}
-    ClientWindow info;            // as read together with the window list
+    WindowElement(std::shared_ptr<const ClientWindow> info, std::uint64_t generation)
+        : info(std::move(info)), generation(generation) {}
+    // As read together with the window list; shares the snapshot it belongs to rather
+    // than copying the window's strings for every element of a walk.
+    std::shared_ptr<const ClientWindow> info;
     std::uint64_t generation;     // of the connection the id belongs to
 };
 
@@ -75,7 +78,8 @@ AXError LinuxAccessibility::copyAttributeValue(const AXElementRef& element, cons
         AXElementList windows;
         for (const ClientWindow& w : snapshot->windows)
             if (!w.vanished && w.pid == app->pid)
-                windows.push_back(std::make_shared<WindowElement>(w, snapshot->generation));
+                windows.push_back(std::make_shared<WindowElement>(std::shared_ptr<const ClientWindow>(snapshot, &w),
+                                                                  snapshot->generation));
         value = std::move(windows);
         return kAXErrorSuccess;
     }
@@ -83,7 +87,7 @@ AXError LinuxAccessibility::copyAttributeValue(const AXElementRef& element, cons
     if (const auto* window = dynamic_cast<const WindowElement*>(element.get())) {
         if (const AXError error = usable(m_x, window->generation); error != kAXErrorSuccess)
             return error;
-        const ClientWindow& w = window->info;
+        const ClientWindow& w = *window->info;
         if (w.vanished)
             return kAXErrorInvalidUIElement;
         if (attribute == kAXRoleAttribute) {
@@ -132,8 +136,8 @@ AXError LinuxAccessibility::setAttributeValue(const AXElementRef& element, const
     if (const AXError error = usable(m_x, window->generation); error != kAXErrorSuccess)
         return error;
     if (*minimized)
-        return requestIconify(m_x, window->info.id);
-    return requestActivate(m_x, {window->info.id});
+        return requestIconify(m_x, window->info->id);
+    return requestActivate(m_x, {window->info->id});
 }
 
 AXError LinuxAccessibility::performAction(const AXElementRef& element, const std::string& action)

@@ -63,6 +63,10 @@ AXError finish(XConnection& x)
 // destruction would have ended the watch), so a request to it needs no check of its own.
 // The server handles our requests in order, so whatever we read next already sees this
 // request delivered; the connection's own end does a round trip before it closes.
+// Each request is written out at once. Held back to the end of a walk, the iconify
+// requests for a client that opens and closes windows quickly made openbox keep one of
+// them in _NET_CLIENT_LIST after it was destroyed: the later a request arrives, the
+// likelier its window is being withdrawn as the window manager handles it.
 AXError finishWithoutWaiting(XConnection& x)
 {
     xcb_flush(x.get());
@@ -73,7 +77,7 @@ bool knownToExist(XConnection& x, xcb_window_t window)
 {
     if (!x.isConnected())
         return false;
-    x.drainEvents();
+    x.drainEventsOlderThan(kWalkStepFreshness);
     return x.isWatched(window);
 }
 

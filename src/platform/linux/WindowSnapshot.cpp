@@ -116,7 +116,11 @@ struct WindowCookies {
 // Whether a window's description taken at `serial` still holds in full.
 bool unchangedSince(const XConnection& x, const ClientWindow& w, std::uint64_t serial)
 {
-    if (w.vanished || !x.isWatched(w.id))
+    if (w.vanished)
+        return false;
+    if (!x.anyPropertyChangedSince(w.id, serial))
+        return true;
+    if (!x.isWatched(w.id))
         return false;
     for (const xcb_atom_t atom : propertyAtoms(x))
         if (x.propertyChangedSince(w.id, atom, serial))
@@ -164,67 +168,31 @@ std::shared_ptr<const WindowSnapshot> takeWindowSnapshot(XConnection& x, IconCac
     snapshot->generation = x.generation();
     // Events handled from here on may describe changes after the root's lists were read.
     snapshot->listSerial = x.eventSerial();
-
-    // Stage 1: what the window manager lists.
-    const auto listCookie = request(c, x.root(), x.atom(Atom::NET_CLIENT_LIST), kMaxListLongs);
-    const auto stackCookie = request(c, x.root(), x.atom(Atom::NET_CLIENT_LIST_STACKING), kMaxListLongs);
-    const auto activeCookie = request(c, x.root(), x.atom(Atom::NET_ACTIVE_WINDOW), 1);
-    Property list, stack, active;
-    collect(c, listCookie, list);
-    collect(c, stackCookie, stack);
-    collect(c, activeCookie, active);
-    x.countRoundTrip();
-    if (!x.isConnected())
-        return snapshot;
-    snapshot->connected = true;
-    if (list.type == XCB_ATOM_WINDOW)
-        for (const std::uint32_t id : list.longs())
-            if (id != XCB_NONE) {
-                snapshot->windows.emplace_back();
-                snapshot->windows.back().id = id;
-            }
-    if (stack.type == XCB_ATOM_WINDOW)
-        snapshot->stacking = stack.longs();
-    if (active.type == XCB_ATOM_WINDOW && !active.longs().empty())
-        snapshot->activeWindow = active.longs().front();
+    const auto atoms = propertyAtoms(x);
 
     // A window the previous snapshot of this connection described, that we have watched
     // ever since, keeps that description except for the properties that changed since;
     // only those are read again. Everything is read for the others.
     const auto base = x.latestSnapshot();
-    std::unordered_map<xcb_window_t, const ClientWindow*> known;
-    if (base && base->connected && base->generation == x.generation()) {
-        x.drainEvents();
-        for (const ClientWindow& w : base->windows)
-            if (!w.vanished && x.isWatched(w.id))
-                known.emplace(w.id, &w);
-    }
-    const auto atoms = propertyAtoms(x);
+    const bool haveBase = base && base->connected && base->generation == x.generation();
 
-    // Stage 2: the needed properties of every window, sent before any reply is read. The
-    // event selections go first, so that any change after our reads is reported to us.
-    for (const ClientWindow& w : snapshot->windows)
-        x.watchWindow(w.id);
-    const std::uint64_t serial = x.eventSerial();
-    snapshot->serial = serial;
-    std::vector<WindowCookies> cookies(snapshot->windows.size());
-    for (std::size_t i = 0; i < snapshot->windows.size(); ++i) {
-        ClientWindow& w = snapshot->windows[i];
-        WindowCookies& k = cookies[i];
+    // Asks for what a window's description needs: everything, or (with `previous`) what
+    // changed since the base snapshot.
+    auto ask = [&](ClientWindow& w, WindowCookies& k, const ClientWindow* previous) {
         // Where the pid came from (X-Resource or _NET_WM_PID) is not kept: a changed
         // _NET_WM_PID means reading the window afresh.
-        const auto previous = known.find(w.id);
+        const bool changed = previous == nullptr || x.anyPropertyChangedSince(w.id, base->serial);
         const bool incremental =
-            previous != known.end() && !x.propertyChangedSince(w.id, atoms[kPid], base->serial);
+            previous != nullptr && (!changed || !x.propertyChangedSince(w.id, atoms[kPid], base->serial));
         if (incremental) {
-            w = *previous->second;
+            w = *previous;
         } else if (x.hasResourceExtension()) {
             const xcb_res_client_id_spec_t spec{w.id, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
             k.res = xcb_res_query_client_ids_unchecked(c, 1, &spec);
             k.askedRes = true;
         }
         for (int p = 0; p < kPropCount; ++p)
-            k.asked[p] = !incremental || x.propertyChangedSince(w.id, atoms[p], base->serial);
+            k.asked[p] = !incremental || (changed && x.propertyChangedSince(w.id, atoms[p], base->serial));
         // The title is one of the two names: both are read whenever either changed.
         k.asked[kNetName] = k.asked[kWmName] = k.asked[kNetName] || k.asked[kWmName];
         for (int p = 0; p < kPropCount; ++p)
@@ -234,8 +202,76 @@ std::shared_ptr<const WindowSnapshot> takeWindowSnapshot(XConnection& x, IconCac
             k.icon = request(c, w.id, x.atom(Atom::NET_WM_ICON), kMaxIconLongs);
             k.askedIcon = true;
         }
+    };
+
+    // Stage 1: what the window manager lists, and with it the reads of every window the
+    // base snapshot described: the list rarely changes, so one round trip usually does.
+    const auto listCookie = request(c, x.root(), x.atom(Atom::NET_CLIENT_LIST), kMaxListLongs);
+    const auto stackCookie = request(c, x.root(), x.atom(Atom::NET_CLIENT_LIST_STACKING), kMaxListLongs);
+    const auto activeCookie = request(c, x.root(), x.atom(Atom::NET_ACTIVE_WINDOW), 1);
+    struct Early {
+        ClientWindow window;
+        WindowCookies cookies;
+        bool listed = false;
+    };
+    std::vector<Early> early;
+    std::unordered_map<xcb_window_t, std::size_t> earlyIndex;
+    if (haveBase) {
+        early.reserve(base->windows.size());
+        for (const ClientWindow& w : base->windows) {
+            // Watched since the base was read: every change since then has been reported.
+            if (w.vanished || !x.isWatched(w.id) || !earlyIndex.emplace(w.id, early.size()).second)
+                continue;
+            early.emplace_back();
+            early.back().window.id = w.id;
+            ask(early.back().window, early.back().cookies, &w);
+        }
     }
-    xcb_flush(c);
+    Property list, stack, active;
+    collect(c, listCookie, list);
+    collect(c, stackCookie, stack);
+    collect(c, activeCookie, active);
+    x.countRoundTrip();
+    if (!x.isConnected())
+        return snapshot;
+    snapshot->connected = true;
+    if (stack.type == XCB_ATOM_WINDOW)
+        snapshot->stacking = stack.longs();
+    if (active.type == XCB_ATOM_WINDOW && !active.longs().empty())
+        snapshot->activeWindow = active.longs().front();
+
+    // Stage 2, only for windows the base did not describe: their event selections go
+    // first, so that any change after our reads is reported to us, then their reads.
+    // No event is handled between the reads above and the serial taken below, so every
+    // change reported later counts as after this snapshot.
+    std::vector<WindowCookies> cookies;
+    bool lateReads = false;
+    if (list.type == XCB_ATOM_WINDOW) {
+        const auto ids = list.longs();
+        snapshot->windows.reserve(ids.size());
+        cookies.reserve(ids.size());
+        for (const std::uint32_t id : ids) {
+            if (id == XCB_NONE)
+                continue;
+            const auto found = earlyIndex.find(id);
+            if (found != earlyIndex.end() && !early[found->second].listed) {
+                Early& e = early[found->second];
+                e.listed = true;
+                snapshot->windows.push_back(std::move(e.window));
+                cookies.push_back(e.cookies);
+            } else {
+                x.watchWindow(id);
+                snapshot->windows.emplace_back();
+                snapshot->windows.back().id = id;
+                cookies.emplace_back();
+                ask(snapshot->windows.back(), cookies.back(), nullptr);
+                lateReads = true;
+            }
+        }
+    }
+    snapshot->serial = x.eventSerial();
+    if (lateReads)
+        xcb_flush(c);
 
     for (std::size_t i = 0; i < snapshot->windows.size(); ++i) {
         ClientWindow& w = snapshot->windows[i];
@@ -344,7 +380,21 @@ std::shared_ptr<const WindowSnapshot> takeWindowSnapshot(XConnection& x, IconCac
         if (icons != nullptr)
             w.icon = icons->get(w.id);
     }
-    x.countRoundTrip();
+    // Windows read early that have left the list meanwhile: their replies are dropped.
+    for (Early& e : early) {
+        if (e.listed)
+            continue;
+        WindowCookies& k = e.cookies;
+        if (k.askedRes)
+            xcb_discard_reply(c, k.res.sequence);
+        for (int p = 0; p < kPropCount; ++p)
+            if (k.asked[p])
+                xcb_discard_reply(c, k.prop[p].sequence);
+        if (k.askedIcon)
+            xcb_discard_reply(c, k.icon.sequence);
+    }
+    if (lateReads)
+        x.countRoundTrip();
     if (icons != nullptr)
         icons->keepOnly(snapshot->windows);
     if (!x.isConnected()) {
@@ -380,7 +430,7 @@ std::shared_ptr<const WindowSnapshot> currentWindowSnapshot(XConnection& x, Icon
 std::shared_ptr<const WindowSnapshot> windowSnapshotFor(XConnection& x, std::int32_t pid)
 {
     if (x.ensureConnected()) {
-        x.drainEvents();   // also notices a server that went away
+        x.drainEventsOlderThan(kWalkStepFreshness);   // also notices a server that went away
         const auto latest = x.latestSnapshot();
         if (x.isConnected() && latest && latest->connected && latest->generation == x.generation() &&
             !x.clientListChangedSince(latest->listSerial)) {

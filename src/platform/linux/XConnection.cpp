@@ -188,6 +188,7 @@ void XConnection::resetTracking()
     m_latestSnapshot.reset();
     m_wmSupportsClose.reset();
     m_lastServerTime = XCB_CURRENT_TIME;
+    m_lastSocketRead = {};
 }
 
 void XConnection::drainEvents()
@@ -209,6 +210,7 @@ void XConnection::drainEvents()
         return count;
     };
     takeQueued();
+    m_lastSocketRead = std::chrono::steady_clock::now();
     for (;;) {
         // The queue is empty now, so this reads the socket.
         xcb_generic_event_t* event = xcb_poll_for_event(m_connection);
@@ -218,6 +220,20 @@ void XConnection::drainEvents()
         std::free(event);
         if (1 + takeQueued() < kEventsPerRead)
             return;
+    }
+}
+
+void XConnection::drainEventsOlderThan(std::chrono::microseconds maxAge)
+{
+    if (m_connection == nullptr)
+        return;
+    if (std::chrono::steady_clock::now() - m_lastSocketRead >= maxAge) {
+        drainEvents();
+        return;
+    }
+    while (xcb_generic_event_t* event = xcb_poll_for_queued_event(m_connection)) {
+        handleEvent(event);
+        std::free(event);
     }
 }
 
@@ -253,6 +269,7 @@ void XConnection::handleEvent(const xcb_generic_event_t* event)
                 entry->second = ++m_serial;
             else
                 changes.emplace_back(notify->atom, ++m_serial);
+            it->second.lastChange = m_serial;
         }
         break;
     }
@@ -278,6 +295,12 @@ bool XConnection::propertyChangedSince(xcb_window_t window, xcb_atom_t property,
     return false;
 }
 
+bool XConnection::anyPropertyChangedSince(xcb_window_t window, std::uint64_t serial) const
+{
+    const auto it = m_watched.find(window);
+    return it == m_watched.end() || it->second.since > serial || it->second.lastChange > serial;
+}
+
 void XConnection::watchWindow(xcb_window_t window)
 {
     if (!isConnected() || m_watched.count(window) != 0)
@@ -285,7 +308,7 @@ void XConnection::watchWindow(xcb_window_t window)
     // Our own event mask on another client's window: it changes nothing for that client.
     const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(m_connection, window, XCB_CW_EVENT_MASK, &mask);
-    m_watched.emplace(window, Watch{++m_serial, {}});
+    m_watched.emplace(window, Watch{++m_serial, 0, {}});
 }
 
 void XConnection::forgetWindowsExcept(const std::vector<xcb_window_t>& listed)

@@ -50,6 +50,10 @@ enum class Atom : int {
 
 struct WindowSnapshot;
 
+// How long what was last read from the socket counts as current for the next step of a
+// walk over windows (see XConnection::drainEventsOlderThan).
+inline constexpr std::chrono::microseconds kWalkStepFreshness{250};
+
 // One connection to the X server, shared by every X-backed service. It never lets an
 // X error end the program: replies are always fetched with an error out-parameter, and
 // errors of requests without replies are drained from the event queue and dropped.
@@ -76,6 +80,10 @@ public:
     // Reads every queued event and asynchronous error (without a round trip) and keeps
     // what they say about the client list and the watched windows; then drops them.
     void drainEvents();
+    // The same, except that the socket is read only when its last read is older than
+    // `maxAge`: the per-window steps of a walk follow each other within microseconds, and
+    // news that arrived in that time is no different from news of a moment after the step.
+    void drainEventsOlderThan(std::chrono::microseconds maxAge);
 
     // What the server has told us, counted in event serials: a snapshot remembers the
     // serial it was taken at and is still exact for what has not changed since.
@@ -86,6 +94,9 @@ public:
     // True for a window we do not watch (nothing is known about it), or whose property
     // changed after `serial`.
     bool propertyChangedSince(xcb_window_t window, xcb_atom_t property, std::uint64_t serial) const;
+    // The same for any property at all: one lookup spares an unchanged window the
+    // questions about each property.
+    bool anyPropertyChangedSince(xcb_window_t window, std::uint64_t serial) const;
     // A watched window exists as far as the server has told us: its destruction (or a
     // BadWindow for it) would have ended the watch.
     bool isWatched(xcb_window_t window) const { return m_watched.count(window) != 0; }
@@ -138,12 +149,14 @@ private:
     std::uint64_t m_rootStateChangedAt = 0;
     struct Watch {
         std::uint64_t since = 0;   // serial at which the events were selected
+        std::uint64_t lastChange = 0;   // serial of the latest change of any property
         std::vector<std::pair<xcb_atom_t, std::uint64_t>> changes;   // property -> serial of its last change
     };
     std::unordered_map<xcb_window_t, Watch> m_watched;
     std::shared_ptr<const WindowSnapshot> m_latestSnapshot;
     std::optional<bool> m_wmSupportsClose;
     xcb_timestamp_t m_lastServerTime = XCB_CURRENT_TIME;
+    std::chrono::steady_clock::time_point m_lastSocketRead{};
     std::chrono::steady_clock::time_point m_lastServerTimeAt{};
 };
 
