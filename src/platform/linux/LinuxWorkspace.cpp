@@ -209,15 +209,20 @@ std::vector<const ClientWindow*> LinuxWorkspace::windowsOf(const WindowSnapshot&
     return out;
 }
 
+std::vector<xcb_window_t> LinuxWorkspace::windowIdsOf(const WindowSnapshot& snapshot, std::int32_t pid) const
+{
+    std::vector<xcb_window_t> ids;
+    for (const ClientWindow* w : windowsOf(snapshot, pid))
+        ids.push_back(w->id);
+    return ids;
+}
+
 bool LinuxWorkspace::hideProcess(std::int32_t pid)
 {
     const auto snapshot = takeWindowSnapshot(m_x, nullptr);
-    const auto windows = windowsOf(*snapshot, pid);
-    if (!snapshot->connected || windows.empty())
+    const auto ids = windowIdsOf(*snapshot, pid);
+    if (!snapshot->connected || ids.empty())
         return false;
-    std::vector<xcb_window_t> ids;
-    for (const ClientWindow* w : windows)
-        ids.push_back(w->id);
     // The mark first, so that the state reads "hidden" as soon as the WM iconifies.
     setHiddenMark(m_x, ids, true);
     bool any = false;
@@ -229,12 +234,9 @@ bool LinuxWorkspace::hideProcess(std::int32_t pid)
 bool LinuxWorkspace::activateProcess(std::int32_t pid)
 {
     const auto snapshot = takeWindowSnapshot(m_x, nullptr);
-    const auto windows = windowsOf(*snapshot, pid);
-    if (!snapshot->connected || windows.empty())
+    auto ids = windowIdsOf(*snapshot, pid);
+    if (!snapshot->connected || ids.empty())
         return false;
-    std::vector<xcb_window_t> ids;
-    for (const ClientWindow* w : windows)
-        ids.push_back(w->id);
     setHiddenMark(m_x, ids, false);
     // Stacking order is bottom to top: the last used window comes last and stays on top.
     const auto& stacking = snapshot->stacking;
