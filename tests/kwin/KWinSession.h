@@ -1,0 +1,59 @@
+#pragma once
+
+// A private, headless KWin Wayland session for the KWin backend tests: its own D-Bus session
+// bus, XDG_RUNTIME_DIR (0700) and XDG data folder, a copy of kwin_wayland on a virtual output
+// with Xwayland, and a desktop entry that grants this test program the window-management
+// interface. Every process started here is our child and is ended when the session ends.
+
+#include <string>
+#include <vector>
+
+namespace stowly::kwintest {
+
+struct ScriptedWindow {
+    int pid = 0;
+    bool minimized = false;
+    bool active = false;
+    std::string caption;
+};
+
+class KWinSession {
+public:
+    // grantSelf: write the desktop entry that grants our own executable the interface.
+    explicit KWinSession(const std::string& buildDir, bool grantSelf = true);
+    ~KWinSession();
+    KWinSession(const KWinSession&) = delete;
+    KWinSession& operator=(const KWinSession&) = delete;
+
+    bool ok() const { return m_ok; }
+    const std::string& error() const { return m_error; }
+    const std::string& socketName() const { return m_socket; }
+    const std::string& x11Display() const { return m_x11Display; }
+    int kwinPid() const { return m_kwin; }
+    const std::string& root() const { return m_root; }
+
+    // Ends KWin (SIGTERM, then SIGKILL) and waits for it.
+    void stopCompositor();
+
+    // KWin's own view of its windows, asked through a KWin script over D-Bus: an observer
+    // that shares no code with ours.
+    std::vector<ScriptedWindow> scriptedWindows();
+
+    // Starts an app inside the session (WAYLAND_DISPLAY, DISPLAY, the session bus); its pid.
+    int startNative(const std::string& title, const std::vector<std::string>& extra = {});
+    int startXterm(const std::string& title);
+
+private:
+    bool m_ok = false;
+    std::string m_error;
+    std::string m_root;
+    std::string m_socket;
+    std::string m_x11Display;
+    std::string m_kwinLog;
+    int m_dbus = -1;
+    int m_kwin = -1;
+    int m_scriptSerial = 0;
+    std::vector<int> m_apps;
+};
+
+} // namespace stowly::kwintest

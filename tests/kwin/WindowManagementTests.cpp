@@ -1,0 +1,252 @@
+#include "KWinSession.h"
+#include "PlasmaWindowManagement.h"
+#include "TestBed.h"
+#include "WaylandConnection.h"
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QSignalSpy>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include <signal.h>
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <memory>
+
+using namespace std::chrono_literals;
+namespace tb = stowly::testbed;
+using stowly::kwin::PlasmaWindowInfo;
+using stowly::kwin::PlasmaWindowManagement;
+using stowly::kwin::WaylandConnection;
+namespace WindowState = stowly::kwin::WindowState;
+using stowly::kwintest::KWinSession;
+using stowly::kwintest::ScriptedWindow;
+
+namespace {
+
+// One KWin session for the suite: starting one takes a few seconds.
+KWinSession* g_session = nullptr;
+
+class KWinWindows : public ::testing::Test {
+protected:
+    static void SetUpTestSuite()
+    {
+        if (g_session == nullptr)
+            g_session = new KWinSession(STOWLY_TEST_BUILD_DIR);
+    }
+    static void TearDownTestSuite()
+    {
+        delete g_session;
+        g_session = nullptr;
+    }
+    void SetUp() override
+    {
+        ASSERT_TRUE(g_session->ok()) << g_session->error();
+        connection = std::make_unique<WaylandConnection>();
+        management = std::make_unique<PlasmaWindowManagement>(*connection);
+    }
+
+    // The window whose title is `title`, once KWin has told us about it.
+    std::optional<PlasmaWindowInfo> waitForWindow(const std::string& title, std::chrono::milliseconds deadline = 15s)
+    {
+        std::optional<PlasmaWindowInfo> found;
+        tb::waitUntil([&] {
+            management->sync(500);
+            for (const PlasmaWindowInfo& window : management->windows()) {
+                if (window.title == title)
+                    found = window;
+            }
+            return found.has_value();
+        }, deadline);
+        return found;
+    }
+    std::optional<PlasmaWindowInfo> current(const std::string& uuid)
+    {
+        management->sync(500);
+        for (const PlasmaWindowInfo& window : management->windows()) {
+            if (window.uuid == uuid)
+                return window;
+        }
+        return std::nullopt;
+    }
+    static std::optional<ScriptedWindow> scripted(const std::string& caption)
+    {
+        for (const ScriptedWindow& window : g_session->scriptedWindows()) {
+            if (window.caption == caption)
+                return window;
+        }
+        return std::nullopt;
+    }
+
+    std::unique_ptr<WaylandConnection> connection;
+    std::unique_ptr<PlasmaWindowManagement> management;
+};
+
+TEST_F(KWinWindows, GrantedToTheProgramItsDesktopEntryNames)
+{
+    EXPECT_TRUE(connection->isConnected());
+    EXPECT_TRUE(management->isAdvertised());
+    EXPECT_TRUE(management->isGranted());
+    EXPECT_GE(management->boundVersion(), PlasmaWindowManagement::minimumVersion);
+}
+
+TEST_F(KWinWindows, NotOfferedToAProgramWithoutAnEntry)
+{
+    // Same bytes at another path: KWin matches the entry's Exec against the client's executable.
+    const std::string copy = g_session->root() + "/unlisted-client";
+    tb::run("cp /proc/" + std::to_string(getpid()) + "/exe '" + copy + "'");
+    EXPECT_EQ(tb::run("'" + copy + "' --probe-grant"), "denied\n");
+}
+
+TEST_F(KWinWindows, ListsNativeAndXwaylandWindowsOnceWithTheirPids)
+{
+    const int native = g_session->startNative("kwin list native");
+    const int xterm = g_session->startXterm("kwin list xterm");
+    const auto nativeWindow = waitForWindow("kwin list native");
+    const auto xtermWindow = waitForWindow("kwin list xterm");
+    ASSERT_TRUE(nativeWindow);
+    ASSERT_TRUE(xtermWindow);
+    EXPECT_EQ(nativeWindow->pid, native);
+    EXPECT_EQ(xtermWindow->pid, xterm);
+    EXPECT_FALSE(nativeWindow->uuid.empty());
+    EXPECT_NE(nativeWindow->uuid, xtermWindow->uuid);
+    EXPECT_TRUE(nativeWindow->has(WindowState::closeable));
+    EXPECT_TRUE(nativeWindow->has(WindowState::minimizable));
+    EXPECT_FALSE(nativeWindow->isTransient());
+    const auto windows = management->windows();
+    EXPECT_EQ(std::count_if(windows.begin(), windows.end(),
+                            [](const PlasmaWindowInfo& w) { return w.title == "kwin list xterm"; }),
+              1);
+    // KWin's own list agrees on the pids.
+    const auto seenNative = scripted("kwin list native");
+    const auto seenXterm = scripted("kwin list xterm");
+    ASSERT_TRUE(seenNative);
+    ASSERT_TRUE(seenXterm);
+    EXPECT_EQ(seenNative->pid, native);
+    EXPECT_EQ(seenXterm->pid, xterm);
+    tb::kill(native);
+    tb::kill(xterm);
+}
+
+TEST_F(KWinWindows, ADialogNamesItsParent)
+{
+    const int pid = g_session->startNative("kwin parent", {"--dialog"});
+    const auto parent = waitForWindow("kwin parent");
+    const auto dialog = waitForWindow("kwin parent dialog");
+    ASSERT_TRUE(parent);
+    ASSERT_TRUE(dialog);
+    EXPECT_EQ(dialog->parentUuid, parent->uuid);
+    EXPECT_FALSE(parent->isTransient());
+    tb::kill(pid);
+}
+
+TEST_F(KWinWindows, MinimizeAndActivateAreAppliedByKWin)
+{
+    const int pid = g_session->startNative("kwin minimize");
+    const auto window = waitForWindow("kwin minimize");
+    ASSERT_TRUE(window);
+    ASSERT_TRUE(management->setMinimized(window->uuid, true));
+    EXPECT_TRUE(tb::waitUntil([&] {
+        const auto now = current(window->uuid);
+        return now && now->has(WindowState::minimized);
+    }));
+    auto seen = scripted("kwin minimize");
+    ASSERT_TRUE(seen);
+    EXPECT_TRUE(seen->minimized);
+
+    ASSERT_TRUE(management->activate(window->uuid));
+    EXPECT_TRUE(tb::waitUntil([&] {
+        const auto now = current(window->uuid);
+        return now && !now->has(WindowState::minimized) && now->has(WindowState::active);
+    }));
+    seen = scripted("kwin minimize");
+    ASSERT_TRUE(seen);
+    EXPECT_FALSE(seen->minimized);
+    EXPECT_TRUE(seen->active);
+    tb::kill(pid);
+}
+
+TEST_F(KWinWindows, CloseAsksAndAWindowMayRefuse)
+{
+    const int polite = g_session->startNative("kwin close polite");
+    const int stubborn = g_session->startNative("kwin close stubborn", {"--refuse-close"});
+    const auto politeWindow = waitForWindow("kwin close polite");
+    const auto stubbornWindow = waitForWindow("kwin close stubborn");
+    ASSERT_TRUE(politeWindow);
+    ASSERT_TRUE(stubbornWindow);
+    ASSERT_TRUE(management->close(politeWindow->uuid));
+    ASSERT_TRUE(management->close(stubbornWindow->uuid));
+    // The polite app quits by itself when its last window closes; the other keeps its window.
+    EXPECT_TRUE(tb::waitUntil([&] { return tb::reapIfExited(polite); }));
+    EXPECT_TRUE(tb::waitUntil([&] { return !current(politeWindow->uuid).has_value(); }));
+    EXPECT_TRUE(current(stubbornWindow->uuid).has_value());
+    EXPECT_FALSE(tb::processGone(stubborn));
+    EXPECT_TRUE(tb::readText(g_session->root() + "/apps.log").find("refused close") != std::string::npos);
+    tb::kill(stubborn);
+}
+
+TEST_F(KWinWindows, AWindowThatVanishesBeforeTheRequestIsHarmless)
+{
+    const int pid = g_session->startNative("kwin vanishing");
+    const auto window = waitForWindow("kwin vanishing");
+    ASSERT_TRUE(window);
+    tb::kill(pid);
+    // Our list may still hold it; the request goes to a window KWin has already dropped.
+    management->setMinimized(window->uuid, true);
+    management->close(window->uuid);
+    EXPECT_TRUE(tb::waitUntil([&] { return !current(window->uuid).has_value(); }));
+    EXPECT_TRUE(connection->isConnected());
+    EXPECT_FALSE(management->setMinimized(window->uuid, true));
+}
+
+TEST_F(KWinWindows, QtsEventLoopDeliversChangesWithoutBeingAsked)
+{
+    QSignalSpy changed(management.get(), &PlasmaWindowManagement::windowsChanged);
+    const int pid = g_session->startNative("kwin event loop");
+    QEventLoop loop;
+    QTimer::singleShot(15000, &loop, &QEventLoop::quit);
+    QObject::connect(management.get(), &PlasmaWindowManagement::windowsChanged, &loop, [&] {
+        for (const PlasmaWindowInfo& window : management->windows()) {
+            if (window.title == "kwin event loop")
+                loop.quit();
+        }
+    });
+    loop.exec();
+    EXPECT_GT(changed.count(), 0);
+    const auto windows = management->windows();
+    EXPECT_TRUE(std::any_of(windows.begin(), windows.end(),
+                            [](const PlasmaWindowInfo& w) { return w.title == "kwin event loop"; }));
+    tb::kill(pid);
+}
+
+// Last: it ends the shared compositor.
+TEST_F(KWinWindows, TheCompositorGoingAwayEndsTheConnectionQuietly)
+{
+    const int pid = g_session->startNative("kwin going away");
+    ASSERT_TRUE(waitForWindow("kwin going away"));
+    QSignalSpy lost(connection.get(), &WaylandConnection::connectionLost);
+    g_session->stopCompositor();
+    rusage before{};
+    getrusage(RUSAGE_SELF, &before);
+    QEventLoop loop;
+    QTimer::singleShot(1000, &loop, &QEventLoop::quit);
+    loop.exec();
+    rusage after{};
+    getrusage(RUSAGE_SELF, &after);
+    EXPECT_EQ(lost.count(), 1);
+    EXPECT_FALSE(connection->isConnected());
+    EXPECT_FALSE(management->isGranted());
+    EXPECT_FALSE(management->sync(100));
+    // A dead socket must not wake the loop over and over: well under a tenth of the second.
+    const long cpuMicros = (after.ru_utime.tv_sec - before.ru_utime.tv_sec) * 1000000L +
+                           (after.ru_utime.tv_usec - before.ru_utime.tv_usec) +
+                           (after.ru_stime.tv_sec - before.ru_stime.tv_sec) * 1000000L +
+                           (after.ru_stime.tv_usec - before.ru_stime.tv_usec);
+    EXPECT_LT(cpuMicros, 100000);
+    tb::kill(pid);
+}
+
+} // namespace

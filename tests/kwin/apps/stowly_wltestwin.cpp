@@ -1,0 +1,62 @@
+// A native Wayland test client for the KWin tests: one window with a known title, and on
+// request a dialog (a transient child) or a window that refuses to close.
+//   stowly_wltestwin --title T [--dialog] [--refuse-close]
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QPainter>
+#include <QRasterWindow>
+
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+class TestWindow : public QRasterWindow {
+public:
+    bool refuseClose = false;
+
+protected:
+    void paintEvent(QPaintEvent*) override { QPainter(this).fillRect(QRect(QPoint(0, 0), size()), QColor(0x3a, 0x6e, 0xa5)); }
+    bool event(QEvent* e) override
+    {
+        // Qt on Wayland turns the compositor's close request into a Close event.
+        if (e->type() == QEvent::Close && refuseClose) {
+            std::fprintf(stderr, "refused close\n");
+            e->ignore();
+            return true;
+        }
+        return QRasterWindow::event(e);
+    }
+};
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    QGuiApplication app(argc, argv);
+    QString title = QStringLiteral("stowly test window");
+    bool withDialog = false;
+    bool refuseClose = false;
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--title") == 0 && i + 1 < argc)
+            title = QString::fromUtf8(argv[++i]);
+        else if (std::strcmp(argv[i], "--dialog") == 0)
+            withDialog = true;
+        else if (std::strcmp(argv[i], "--refuse-close") == 0)
+            refuseClose = true;
+    }
+    TestWindow window;
+    window.refuseClose = refuseClose;
+    window.setTitle(title);
+    window.resize(240, 160);
+    window.show();
+
+    TestWindow dialog;
+    if (withDialog) {
+        dialog.setTitle(title + QStringLiteral(" dialog"));
+        dialog.setTransientParent(&window);
+        dialog.resize(160, 100);
+        dialog.show();
+    }
+    return app.exec();
+}
