@@ -12,12 +12,15 @@
 #include "MacShell.h"
 using PlatformServices = stowly::macos::MacPlatform;
 #else
-#include "LinuxPlatform.h"
-using PlatformServices = stowly::x11::LinuxPlatform;
+#include "LinuxSession.h"
+using PlatformServices = stowly::LinuxSession;
 #endif
 
 int main(int argc, char* argv[])
 {
+#if !defined(Q_OS_MACOS)
+    stowly::LinuxSession::prepareEnvironment();
+#endif
     // Widgets only for the tray icon; the panel and the settings window are Qt Quick.
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Stowly"));

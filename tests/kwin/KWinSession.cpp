@@ -9,6 +9,7 @@
 
 #include <climits>
 #include <sstream>
+#include <thread>
 
 namespace stowly::kwintest {
 
@@ -58,6 +59,10 @@ KWinSession::KWinSession(const std::string& buildDir, bool grantSelf)
                           ownExecutable() + "\nX-KDE-Wayland-Interfaces=org_kde_plasma_window_management\n");
     }
 
+    // Qt gives a native window its executable's name as app id when nothing else is set.
+    tb::writeFile(dataHome + "/applications/stowly_wltestwin.desktop",
+                  "[Desktop Entry]\nType=Application\nName=Wayland Test Window\nExec=stowly_wltestwin\n");
+
     const std::string busAddressFile = m_root + "/bus-address";
     m_dbus = tb::spawn({"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1"}, busAddressFile);
     if (!tb::waitUntil([&] { return !firstLine(tb::readText(busAddressFile)).empty(); }, 10s)) {
@@ -101,6 +106,15 @@ KWinSession::KWinSession(const std::string& buildDir, bool grantSelf)
     m_ok = true;
 }
 
+void KWinSession::grant(const std::string& program)
+{
+    const std::string name = "org.stowly.Granted" + std::to_string(++m_scriptSerial) + ".desktop";
+    tb::writeFile(m_root + "/data/applications/" + name,
+                  "[Desktop Entry]\nType=Application\nName=Granted\nNoDisplay=true\nExec=" + program +
+                      "\nX-KDE-Wayland-Interfaces=org_kde_plasma_window_management\n");
+    std::this_thread::sleep_for(2s);
+}
+
 KWinSession::~KWinSession()
 {
     for (int pid : m_apps)
@@ -136,6 +150,26 @@ int KWinSession::startXterm(const std::string& title)
 {
     setenv("DISPLAY", m_x11Display.c_str(), 1);
     const int pid = tb::spawn({"xterm", "-T", title, "-e", "sleep", "100000"}, m_root + "/apps.log");
+    unsetenv("DISPLAY");
+    m_apps.push_back(pid);
+    return pid;
+}
+
+std::optional<ScriptedWindow> KWinSession::scriptedWindow(const std::string& caption)
+{
+    for (const ScriptedWindow& window : scriptedWindows()) {
+        if (window.caption == caption)
+            return window;
+    }
+    return std::nullopt;
+}
+
+int KWinSession::startX11TestWindow(const std::string& title, const std::vector<std::string>& extra)
+{
+    std::vector<std::string> argv{STOWLY_TESTWIN_PATH, "--title", title};
+    argv.insert(argv.end(), extra.begin(), extra.end());
+    setenv("DISPLAY", m_x11Display.c_str(), 1);
+    const int pid = tb::spawn(argv, m_root + "/apps.log");
     unsetenv("DISPLAY");
     m_apps.push_back(pid);
     return pid;

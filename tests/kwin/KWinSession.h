@@ -5,6 +5,7 @@
 // with Xwayland, and a desktop entry that grants this test program the window-management
 // interface. Every process started here is our child and is ended when the session ends.
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -32,16 +33,24 @@ public:
     int kwinPid() const { return m_kwin; }
     const std::string& root() const { return m_root; }
 
+    // Writes a desktop entry that grants `program` the window-management interface. KWin
+    // reads its desktop entries again at most every 1.5 s: this waits that long.
+    void grant(const std::string& program);
+
     // Ends KWin (SIGTERM, then SIGKILL) and waits for it.
     void stopCompositor();
 
     // KWin's own view of its windows, asked through a KWin script over D-Bus: an observer
     // that shares no code with ours.
     std::vector<ScriptedWindow> scriptedWindows();
+    // The window with this caption in KWin's own list, if any.
+    std::optional<ScriptedWindow> scriptedWindow(const std::string& caption);
 
     // Starts an app inside the session (WAYLAND_DISPLAY, DISPLAY, the session bus); its pid.
     int startNative(const std::string& title, const std::vector<std::string>& extra = {});
     int startXterm(const std::string& title);
+    // Our X11 test client through Xwayland (see tests/linux/apps); --title is added.
+    int startX11TestWindow(const std::string& title, const std::vector<std::string>& extra = {});
 
 private:
     bool m_ok = false;
@@ -55,5 +64,8 @@ private:
     int m_scriptSerial = 0;
     std::vector<int> m_apps;
 };
+
+// The session the whole test program shares (started by main's test environment).
+KWinSession& sharedSession();
 
 } // namespace stowly::kwintest

@@ -24,27 +24,15 @@ using stowly::kwin::WaylandConnection;
 namespace WindowState = stowly::kwin::WindowState;
 using stowly::kwintest::KWinSession;
 using stowly::kwintest::ScriptedWindow;
+using stowly::kwintest::sharedSession;
 
 namespace {
 
-// One KWin session for the suite: starting one takes a few seconds.
-KWinSession* g_session = nullptr;
-
 class KWinWindows : public ::testing::Test {
 protected:
-    static void SetUpTestSuite()
-    {
-        if (g_session == nullptr)
-            g_session = new KWinSession(STOWLY_TEST_BUILD_DIR);
-    }
-    static void TearDownTestSuite()
-    {
-        delete g_session;
-        g_session = nullptr;
-    }
     void SetUp() override
     {
-        ASSERT_TRUE(g_session->ok()) << g_session->error();
+        ASSERT_TRUE(sharedSession().ok()) << sharedSession().error();
         connection = std::make_unique<WaylandConnection>();
         management = std::make_unique<PlasmaWindowManagement>(*connection);
     }
@@ -74,11 +62,7 @@ protected:
     }
     static std::optional<ScriptedWindow> scripted(const std::string& caption)
     {
-        for (const ScriptedWindow& window : g_session->scriptedWindows()) {
-            if (window.caption == caption)
-                return window;
-        }
-        return std::nullopt;
+        return sharedSession().scriptedWindow(caption);
     }
 
     std::unique_ptr<WaylandConnection> connection;
@@ -96,15 +80,15 @@ TEST_F(KWinWindows, GrantedToTheProgramItsDesktopEntryNames)
 TEST_F(KWinWindows, NotOfferedToAProgramWithoutAnEntry)
 {
     // Same bytes at another path: KWin matches the entry's Exec against the client's executable.
-    const std::string copy = g_session->root() + "/unlisted-client";
+    const std::string copy = sharedSession().root() + "/unlisted-client";
     tb::run("cp /proc/" + std::to_string(getpid()) + "/exe '" + copy + "'");
     EXPECT_EQ(tb::run("'" + copy + "' --probe-grant"), "denied\n");
 }
 
 TEST_F(KWinWindows, ListsNativeAndXwaylandWindowsOnceWithTheirPids)
 {
-    const int native = g_session->startNative("kwin list native");
-    const int xterm = g_session->startXterm("kwin list xterm");
+    const int native = sharedSession().startNative("kwin list native");
+    const int xterm = sharedSession().startXterm("kwin list xterm");
     const auto nativeWindow = waitForWindow("kwin list native");
     const auto xtermWindow = waitForWindow("kwin list xterm");
     ASSERT_TRUE(nativeWindow);
@@ -133,7 +117,7 @@ TEST_F(KWinWindows, ListsNativeAndXwaylandWindowsOnceWithTheirPids)
 
 TEST_F(KWinWindows, ADialogNamesItsParent)
 {
-    const int pid = g_session->startNative("kwin parent", {"--dialog"});
+    const int pid = sharedSession().startNative("kwin parent", {"--dialog"});
     const auto parent = waitForWindow("kwin parent");
     const auto dialog = waitForWindow("kwin parent dialog");
     ASSERT_TRUE(parent);
@@ -145,7 +129,7 @@ TEST_F(KWinWindows, ADialogNamesItsParent)
 
 TEST_F(KWinWindows, MinimizeAndActivateAreAppliedByKWin)
 {
-    const int pid = g_session->startNative("kwin minimize");
+    const int pid = sharedSession().startNative("kwin minimize");
     const auto window = waitForWindow("kwin minimize");
     ASSERT_TRUE(window);
     ASSERT_TRUE(management->setMinimized(window->uuid, true));
@@ -171,8 +155,8 @@ TEST_F(KWinWindows, MinimizeAndActivateAreAppliedByKWin)
 
 TEST_F(KWinWindows, CloseAsksAndAWindowMayRefuse)
 {
-    const int polite = g_session->startNative("kwin close polite");
-    const int stubborn = g_session->startNative("kwin close stubborn", {"--refuse-close"});
+    const int polite = sharedSession().startNative("kwin close polite");
+    const int stubborn = sharedSession().startNative("kwin close stubborn", {"--refuse-close"});
     const auto politeWindow = waitForWindow("kwin close polite");
     const auto stubbornWindow = waitForWindow("kwin close stubborn");
     ASSERT_TRUE(politeWindow);
@@ -184,13 +168,13 @@ TEST_F(KWinWindows, CloseAsksAndAWindowMayRefuse)
     EXPECT_TRUE(tb::waitUntil([&] { return !current(politeWindow->uuid).has_value(); }));
     EXPECT_TRUE(current(stubbornWindow->uuid).has_value());
     EXPECT_FALSE(tb::processGone(stubborn));
-    EXPECT_TRUE(tb::readText(g_session->root() + "/apps.log").find("refused close") != std::string::npos);
+    EXPECT_TRUE(tb::readText(sharedSession().root() + "/apps.log").find("refused close") != std::string::npos);
     tb::kill(stubborn);
 }
 
 TEST_F(KWinWindows, AWindowThatVanishesBeforeTheRequestIsHarmless)
 {
-    const int pid = g_session->startNative("kwin vanishing");
+    const int pid = sharedSession().startNative("kwin vanishing");
     const auto window = waitForWindow("kwin vanishing");
     ASSERT_TRUE(window);
     tb::kill(pid);
@@ -205,7 +189,7 @@ TEST_F(KWinWindows, AWindowThatVanishesBeforeTheRequestIsHarmless)
 TEST_F(KWinWindows, QtsEventLoopDeliversChangesWithoutBeingAsked)
 {
     QSignalSpy changed(management.get(), &PlasmaWindowManagement::windowsChanged);
-    const int pid = g_session->startNative("kwin event loop");
+    const int pid = sharedSession().startNative("kwin event loop");
     QEventLoop loop;
     QTimer::singleShot(15000, &loop, &QEventLoop::quit);
     QObject::connect(management.get(), &PlasmaWindowManagement::windowsChanged, &loop, [&] {
@@ -219,33 +203,6 @@ TEST_F(KWinWindows, QtsEventLoopDeliversChangesWithoutBeingAsked)
     const auto windows = management->windows();
     EXPECT_TRUE(std::any_of(windows.begin(), windows.end(),
                             [](const PlasmaWindowInfo& w) { return w.title == "kwin event loop"; }));
-    tb::kill(pid);
-}
-
-// Last: it ends the shared compositor.
-TEST_F(KWinWindows, TheCompositorGoingAwayEndsTheConnectionQuietly)
-{
-    const int pid = g_session->startNative("kwin going away");
-    ASSERT_TRUE(waitForWindow("kwin going away"));
-    QSignalSpy lost(connection.get(), &WaylandConnection::connectionLost);
-    g_session->stopCompositor();
-    rusage before{};
-    getrusage(RUSAGE_SELF, &before);
-    QEventLoop loop;
-    QTimer::singleShot(1000, &loop, &QEventLoop::quit);
-    loop.exec();
-    rusage after{};
-    getrusage(RUSAGE_SELF, &after);
-    EXPECT_EQ(lost.count(), 1);
-    EXPECT_FALSE(connection->isConnected());
-    EXPECT_FALSE(management->isGranted());
-    EXPECT_FALSE(management->sync(100));
-    // A dead socket must not wake the loop over and over: well under a tenth of the second.
-    const long cpuMicros = (after.ru_utime.tv_sec - before.ru_utime.tv_sec) * 1000000L +
-                           (after.ru_utime.tv_usec - before.ru_utime.tv_usec) +
-                           (after.ru_stime.tv_sec - before.ru_stime.tv_sec) * 1000000L +
-                           (after.ru_stime.tv_usec - before.ru_stime.tv_usec);
-    EXPECT_LT(cpuMicros, 100000);
     tb::kill(pid);
 }
 

@@ -1,3 +1,4 @@
+#include "KWinSession.h"
 #include "PlasmaWindowManagement.h"
 #include "TestBed.h"
 #include "WaylandConnection.h"
@@ -8,6 +9,31 @@
 
 #include <cstdio>
 #include <cstring>
+
+namespace {
+
+// One KWin session for the whole run: starting one takes a few seconds. Torn down by gtest on
+// every normal exit, and by the kernel (PR_SET_PDEATHSIG) should this process crash.
+class SessionEnvironment : public ::testing::Environment {
+public:
+    void SetUp() override { s_session = new stowly::kwintest::KWinSession(STOWLY_TEST_BUILD_DIR); }
+    void TearDown() override
+    {
+        delete s_session;
+        s_session = nullptr;
+    }
+    static stowly::kwintest::KWinSession* s_session;
+};
+stowly::kwintest::KWinSession* SessionEnvironment::s_session = nullptr;
+
+} // namespace
+
+namespace stowly::kwintest {
+KWinSession& sharedSession()
+{
+    return *SessionEnvironment::s_session;
+}
+} // namespace stowly::kwintest
 
 int main(int argc, char** argv)
 {
@@ -24,5 +50,6 @@ int main(int argc, char** argv)
     }
     QCoreApplication app(argc, argv);
     ::testing::InitGoogleTest(&argc, argv);
+    ::testing::AddGlobalTestEnvironment(new SessionEnvironment);
     return RUN_ALL_TESTS();
 }

@@ -1,0 +1,62 @@
+#include "LinuxSession.h"
+
+#include "KWinPlatform.h"
+#include "LinuxPlatform.h"
+#include "PlasmaWindowManagement.h"
+#include "WaylandConnection.h"
+
+#include <QByteArray>
+#include <QtGlobal>
+
+#include <cstdio>
+
+namespace stowly {
+
+namespace {
+
+bool isWaylandSession()
+{
+    return !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
+           qEnvironmentVariable("XDG_SESSION_TYPE") == QStringLiteral("wayland");
+}
+
+bool isPlasmaSession()
+{
+    return qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(QLatin1Char(':')).contains(QStringLiteral("KDE"));
+}
+
+} // namespace
+
+void LinuxSession::prepareEnvironment()
+{
+    if (isWaylandSession() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && !qEnvironmentVariableIsEmpty("DISPLAY"))
+        qputenv("QT_QPA_PLATFORM", QByteArrayLiteral("xcb"));
+}
+
+LinuxSession::LinuxSession()
+{
+    if (isWaylandSession()) {
+        auto kwin = std::make_unique<kwin::KWinPlatform>();
+        // On Plasma the backend stays even while KWin withholds the interface: the settings
+        // window then shows access as missing, which is the truth there.
+        if (kwin->windows().isAdvertised() || (kwin->connection().isConnected() && isPlasmaSession())) {
+            m_kwin = std::move(kwin);
+            m_windowSystem = WindowSystem::kwin;
+            std::fprintf(stderr, "stowly: Wayland session on KWin: windows through org_kde_plasma_window_management%s\n",
+                         m_kwin->windows().isGranted() ? "" : " (not granted to this program yet)");
+            return;
+        }
+        std::fprintf(stderr, "stowly: this Wayland compositor offers no window management that Stowly speaks; "
+                             "using X11 through Xwayland, which reaches only the apps that run through it\n");
+    }
+    m_x11 = std::make_unique<x11::LinuxPlatform>();
+}
+
+LinuxSession::~LinuxSession() = default;
+
+Platform& LinuxSession::platform()
+{
+    return m_kwin ? m_kwin->platform() : m_x11->platform();
+}
+
+} // namespace stowly

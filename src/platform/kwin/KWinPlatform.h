@@ -1,0 +1,36 @@
+#pragma once
+
+#include "platform/Platform.h"
+
+#include <memory>
+#include <string>
+
+namespace stowly::kwin {
+
+class PlasmaWindowManagement;
+class WaylandConnection;
+
+// Every service for a KDE Plasma Wayland session: windows through KWin's window-management
+// protocol, and the parts every Linux session shares (/proc, desktop entries, XDG autostart,
+// QSettings, the desktop's URL handler). Everything runs on the main thread.
+class KWinPlatform {
+public:
+    // Empty socket name: $WAYLAND_DISPLAY.
+    explicit KWinPlatform(const std::string& socketName = {});
+    ~KWinPlatform();
+    KWinPlatform(const KWinPlatform&) = delete;
+    KWinPlatform& operator=(const KWinPlatform&) = delete;
+
+    Platform& platform() { return *m_platform; }
+    PlasmaWindowManagement& windows() { return *m_windows; }
+    WaylandConnection& connection() { return *m_connection; }
+
+private:
+    struct Services;
+    std::unique_ptr<WaylandConnection> m_connection;
+    std::unique_ptr<PlasmaWindowManagement> m_windows;
+    std::unique_ptr<Services> m_services;
+    std::unique_ptr<Platform> m_platform;
+};
+
+} // namespace stowly::kwin

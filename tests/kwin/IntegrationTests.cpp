@@ -1,0 +1,217 @@
+// The real AppModel and WindowMinimizer over the KWin backend, in a headless KWin session
+// with native Wayland and Xwayland apps; every effect is checked from outside our code
+// (KWin's own scripting, the apps' own reports, /proc).
+
+#include "AppModel.h"
+#include "KWinPlatform.h"
+#include "KWinSession.h"
+#include "PlasmaWindowManagement.h"
+#include "TestBed.h"
+#include "WaylandConnection.h"
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <set>
+
+using namespace std::chrono_literals;
+using namespace stowly;
+namespace tb = stowly::testbed;
+using stowly::kwintest::ScriptedWindow;
+using stowly::kwintest::sharedSession;
+
+namespace {
+
+std::optional<ScriptedWindow> seen(const std::string& caption)
+{
+    return sharedSession().scriptedWindow(caption);
+}
+
+bool minimizedInKWin(const std::string& caption)
+{
+    const auto window = seen(caption);
+    return window && window->minimized;
+}
+
+// Five regular apps (four native, one Xwayland) with five standard windows, a dialog, a
+// window that refuses to close, and a skip-taskbar accessory.
+struct Desk {
+    int a = 0, b = 0, withDialog = 0, stubborn = 0, term = 0, accessory = 0;
+
+    bool start()
+    {
+        stowly::kwintest::KWinSession& s = sharedSession();
+        a = s.startNative("kdesk-a");
+        b = s.startNative("kdesk-b");
+        withDialog = s.startNative("kdesk-main", {"--dialog"});
+        stubborn = s.startNative("kdesk-stubborn", {"--refuse-close"});
+        term = s.startXterm("kdesk-term");
+        accessory = s.startX11TestWindow("kdesk-accessory", {"--skip-taskbar", "--class", "kdeskaccessory", "KDeskAccessory"});
+        return tb::waitUntil([&] {
+            std::set<std::string> captions;
+            for (const ScriptedWindow& w : s.scriptedWindows())
+                captions.insert(w.caption);
+            for (const char* c : {"kdesk-a", "kdesk-b", "kdesk-main", "kdesk-main dialog", "kdesk-stubborn",
+                                  "kdesk-term", "kdesk-accessory"}) {
+                if (captions.count(c) == 0)
+                    return false;
+            }
+            return true;
+        }, 20s);
+    }
+    ~Desk()
+    {
+        for (int pid : {a, b, withDialog, stubborn, term, accessory})
+            tb::kill(pid);
+        // KWin must have let go of them before the next test counts windows.
+        tb::waitUntil([] {
+            for (const ScriptedWindow& w : sharedSession().scriptedWindows()) {
+                if (w.caption.rfind("kdesk-", 0) == 0)
+                    return false;
+            }
+            return true;
+        });
+    }
+    std::vector<int> managedPids() const { return {a, b, withDialog, stubborn, term}; }
+    static std::vector<std::string> standardCaptions()
+    {
+        return {"kdesk-a", "kdesk-b", "kdesk-main", "kdesk-stubborn", "kdesk-term"};
+    }
+};
+
+class KWinIntegration : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(sharedSession().ok()) << sharedSession().error();
+        ASSERT_TRUE(desk.start()) << "the test apps did not all appear";
+    }
+    Desk desk;
+};
+
+TEST_F(KWinIntegration, MinimizeAllMinimizesStandardWindowsOnly)
+{
+    kwin::KWinPlatform kwin;
+    AppModel model(kwin.platform());
+    EXPECT_TRUE(model.hasAccessibilityPermission());
+    model.minimizeAllWindows();
+    EXPECT_EQ(model.lastResultMessage(), QStringLiteral("Minimized 5 windows."));
+    for (const std::string& caption : Desk::standardCaptions())
+        EXPECT_TRUE(tb::waitUntil([&] { return minimizedInKWin(caption); })) << caption;
+    EXPECT_FALSE(minimizedInKWin("kdesk-accessory"));
+    // Minimized apps still read "Open": only a hide marks them.
+    model.refreshRunningApps();
+    for (const RunningAppInfo& app : model.runningApps())
+        EXPECT_NE(app.status(), QStringLiteral("Hidden")) << app.name.toStdString();
+
+    model.minimizeAllWindows();
+    EXPECT_EQ(model.lastResultMessage(), QStringLiteral("No minimizable windows were found."));
+}
+
+TEST_F(KWinIntegration, HideAllThenOpenOneBringsItBackActive)
+{
+    kwin::KWinPlatform kwin;
+    AppModel model(kwin.platform());
+    model.hideAllApps();
+    EXPECT_EQ(model.lastResultMessage(), QStringLiteral("Hid 5 apps."));
+    for (const std::string& caption : Desk::standardCaptions())
+        EXPECT_TRUE(tb::waitUntil([&] { return minimizedInKWin(caption); })) << caption;
+    EXPECT_FALSE(minimizedInKWin("kdesk-accessory"));
+    EXPECT_TRUE(tb::waitUntil([&] {
+        model.refreshRunningApps();
+        return model.runningApps().size() == 5 &&
+               std::all_of(model.runningApps().begin(), model.runningApps().end(),
+                           [](const RunningAppInfo& a) { return a.status() == QStringLiteral("Hidden"); });
+    }));
+    model.hideAllApps();
+    EXPECT_EQ(model.lastResultMessage(), QStringLiteral("No apps could be hidden."));
+
+    const auto row = std::find_if(model.runningApps().begin(), model.runningApps().end(),
+                                  [&](const RunningAppInfo& a) { return a.id == desk.term; });
+    ASSERT_NE(row, model.runningApps().end());
+    const RunningAppInfo chosen = *row;
+    model.openApp(chosen);
+    EXPECT_EQ(model.lastResultMessage(), QStringLiteral("Opened %1.").arg(chosen.name));
+    EXPECT_TRUE(tb::waitUntil([&] {
+        const auto term = seen("kdesk-term");
+        return term && !term->minimized && term->active;
+    }));
+    EXPECT_TRUE(minimizedInKWin("kdesk-a"));
+    EXPECT_TRUE(tb::waitUntil([&] {
+        model.refreshRunningApps();
+        for (const RunningAppInfo& a : model.runningApps()) {
+            if (a.id == desk.term)
+                return a.status() == QStringLiteral("Active");
+        }
+        return false;
+    }));
+}
+
+TEST_F(KWinIntegration, CloseAllAsksAndKillsNothing)
+{
+    kwin::KWinPlatform kwin;
+    AppModel model(kwin.platform());
+    model.closeAllWindows();
+    EXPECT_EQ(model.lastResultMessage(), QStringLiteral("Closed 5 windows."));
+    for (const int pid : {desk.a, desk.b, desk.term})
+        EXPECT_TRUE(tb::waitUntil([&] { return tb::processGone(pid); })) << pid;
+    EXPECT_TRUE(tb::waitUntil([] { return !seen("kdesk-main").has_value(); }));
+    // The window that refuses is still there, and nothing was killed.
+    EXPECT_TRUE(seen("kdesk-stubborn").has_value());
+    EXPECT_FALSE(tb::processGone(desk.stubborn));
+    EXPECT_FALSE(tb::processGone(desk.accessory));
+    EXPECT_FALSE(tb::processGone(sharedSession().kwinPid()));
+}
+
+TEST_F(KWinIntegration, ForceQuitAllSparesTheCompositorTheAccessoryAndItself)
+{
+    kwin::KWinPlatform kwin;
+    AppModel model(kwin.platform());
+    for (const RunningAppInfo& app : model.runningApps())
+        EXPECT_NE(app.id, static_cast<int>(getpid()));
+    model.forceQuitAllApps();
+    EXPECT_EQ(model.lastResultMessage(), QStringLiteral("Force quit sent to 5 apps."));
+    for (const int pid : desk.managedPids())
+        EXPECT_TRUE(tb::waitUntil([&] { return tb::processGone(pid); })) << pid;
+    EXPECT_FALSE(tb::processGone(desk.accessory));
+    EXPECT_FALSE(tb::processGone(sharedSession().kwinPid()));
+    EXPECT_TRUE(tb::waitUntil([&] {
+        model.refreshRunningApps();
+        return model.runningApps().empty();
+    }));
+}
+
+TEST_F(KWinIntegration, TheListHasEveryRegularAppOnceWithItsMemory)
+{
+    kwin::KWinPlatform kwin;
+    AppModel model(kwin.platform());
+    model.refreshSnapshot();
+    std::set<int> listed;
+    for (const RunningAppInfo& app : model.runningApps()) {
+        EXPECT_TRUE(listed.insert(app.id).second) << "listed twice: " << app.id;
+        EXPECT_FALSE(app.name.isEmpty()) << app.id;
+        // Native windows carry the app id that names their desktop entry.
+        if (app.id != desk.term) {
+            EXPECT_EQ(app.name, QStringLiteral("Wayland Test Window")) << app.id;
+        }
+    }
+    const std::vector<int> managed = desk.managedPids();
+    EXPECT_EQ(listed, std::set<int>(managed.begin(), managed.end()));
+
+    // xterm and its shell child, summed the same way by an independent reading of /proc.
+    const auto row = std::find_if(model.runningApps().begin(), model.runningApps().end(),
+                                  [&](const RunningAppInfo& a) { return a.id == desk.term; });
+    ASSERT_NE(row, model.runningApps().end());
+    ASSERT_TRUE(row->memoryBytes.has_value());
+    std::uint64_t expected = tb::footprintOf(desk.term).value_or(0);
+    for (const int pid : tb::allProcesses()) {
+        if (tb::parentOf(pid) == desk.term)
+            expected += tb::footprintOf(pid).value_or(0);
+    }
+    const double ratio = static_cast<double>(*row->memoryBytes) / static_cast<double>(expected);
+    EXPECT_NEAR(ratio, 1.0, 0.10) << *row->memoryBytes << " vs " << expected;
+}
+
+} // namespace
