@@ -39,7 +39,7 @@ LinuxSession::LinuxSession()
         auto kwin = std::make_unique<kwin::KWinPlatform>();
         // On Plasma the backend stays even while KWin withholds the interface: the settings
         // window then shows access as missing, which is the truth there.
-        if (kwin->windows().isAdvertised() || (kwin->connection().isConnected() && isPlasmaSession())) {
+        if (kwin->windows().isAdvertised() || (kwin->windows().connection().isConnected() && isPlasmaSession())) {
             m_kwin = std::move(kwin);
             m_windowSystem = WindowSystem::kwin;
             std::fprintf(stderr, "stowly: Wayland session on KWin: windows through org_kde_plasma_window_management%s\n",

@@ -31,8 +31,8 @@ long cpuMicroseconds()
 TEST(CompositorLoss, TheCompositorGoingAwayEndsTheConnectionQuietly)
 {
     ASSERT_TRUE(sharedSession().ok()) << sharedSession().error();
-    WaylandConnection connection;
-    PlasmaWindowManagement management(connection);
+    PlasmaWindowManagement management;
+    WaylandConnection& connection = management.connection();
     ASSERT_TRUE(management.isGranted());
     const int pid = sharedSession().startNative("kwin going away");
     ASSERT_TRUE(tb::waitUntil([&] {

@@ -33,8 +33,7 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(sharedSession().ok()) << sharedSession().error();
-        connection = std::make_unique<WaylandConnection>();
-        management = std::make_unique<PlasmaWindowManagement>(*connection);
+        management = std::make_unique<PlasmaWindowManagement>();
     }
 
     // The window whose title is `title`, once KWin has told us about it.
@@ -65,13 +64,12 @@ protected:
         return sharedSession().scriptedWindow(caption);
     }
 
-    std::unique_ptr<WaylandConnection> connection;
     std::unique_ptr<PlasmaWindowManagement> management;
 };
 
 TEST_F(KWinWindows, GrantedToTheProgramItsDesktopEntryNames)
 {
-    EXPECT_TRUE(connection->isConnected());
+    EXPECT_TRUE(management->connection().isConnected());
     EXPECT_TRUE(management->isAdvertised());
     EXPECT_TRUE(management->isGranted());
     EXPECT_GE(management->boundVersion(), PlasmaWindowManagement::minimumVersion);
@@ -182,7 +180,7 @@ TEST_F(KWinWindows, AWindowThatVanishesBeforeTheRequestIsHarmless)
     management->setMinimized(window->uuid, true);
     management->close(window->uuid);
     EXPECT_TRUE(tb::waitUntil([&] { return !current(window->uuid).has_value(); }));
-    EXPECT_TRUE(connection->isConnected());
+    EXPECT_TRUE(management->connection().isConnected());
     EXPECT_FALSE(management->setMinimized(window->uuid, true));
 }
 

@@ -1,9 +1,12 @@
+#include "KWinAccessibility.h"
 #include "KWinSession.h"
 #include "PlasmaWindowManagement.h"
 #include "TestBed.h"
 #include "WaylandConnection.h"
 
 #include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QThread>
 
 #include <gtest/gtest.h>
 
@@ -41,11 +44,32 @@ int main(int argc, char** argv)
     // offered it the interface anyway.
     if (argc == 2 && std::strcmp(argv[1], "--probe-grant") == 0) {
         QCoreApplication app(argc, argv);
-        stowly::kwin::WaylandConnection connection;
-        stowly::kwin::PlasmaWindowManagement management(connection);
-        std::printf("%s\n", !connection.isConnected() ? "no-connection"
+        stowly::kwin::PlasmaWindowManagement management;
+        std::printf("%s\n", !management.connection().isConnected() ? "no-connection"
                             : management.isGranted()  ? "granted"
                                                       : "denied");
+        return 0;
+    }
+    // The same copy asks for access the way the settings window does, then checks once a
+    // second as the model's refresh does; it reports when KWin granted it.
+    if (argc == 2 && std::strcmp(argv[1], "--request-access") == 0) {
+        QCoreApplication app(argc, argv);
+        stowly::kwin::PlasmaWindowManagement management;
+        stowly::kwin::KWinAccessibilityTrust trust(management);
+        if (trust.isProcessTrusted(true)) {
+            std::printf("granted at once\n");
+            return 0;
+        }
+        QElapsedTimer clock;
+        clock.start();
+        while (clock.elapsed() < 10000) {
+            QThread::msleep(250);
+            if (trust.isProcessTrusted(false)) {
+                std::printf("granted\n");
+                return 0;
+            }
+        }
+        std::printf("denied\n");
         return 0;
     }
     QCoreApplication app(argc, argv);

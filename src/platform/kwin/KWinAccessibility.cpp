@@ -1,6 +1,9 @@
 #include "KWinAccessibility.h"
 
+#include "WaylandConnection.h"
+
 #include <algorithm>
+#include <cstdio>
 
 namespace stowly::kwin {
 
@@ -114,7 +117,25 @@ AXError KWinAccessibility::performAction(const AXElementRef& element, const std:
 
 bool KWinAccessibilityTrust::isProcessTrusted(bool prompt)
 {
-    (void)prompt; // KWin grants through the desktop entry; there is no prompt to show
+    if (m_windows.isGranted())
+        return true;
+    const Clock::time_point now = Clock::now();
+    if (prompt && !m_grant.isWritten()) {
+        if (const auto error = m_grant.write())
+            std::fprintf(stderr, "stowly: cannot write %s: %s\n", m_grant.entryPath().c_str(), error->c_str());
+        else
+            m_grantWrittenAt = now;
+    }
+    // KWin reads its desktop entries again at most every 1.5 s after a change.
+    const bool grantReadable = m_grantWrittenAt && now - *m_grantWrittenAt >= std::chrono::milliseconds(1600);
+    const bool compositorGone = !m_windows.connection().isConnected();
+    if ((grantReadable || compositorGone) && now - m_lastReconnect >= std::chrono::seconds(2)) {
+        m_lastReconnect = now;
+        m_windows.reconnect();
+        // Granted, or KWin did not take the entry (another program's path?): stop asking.
+        if (m_windows.isGranted() || (m_grantWrittenAt && now - *m_grantWrittenAt > std::chrono::seconds(12)))
+            m_grantWrittenAt.reset();
+    }
     return m_windows.isGranted();
 }
 

@@ -1,8 +1,12 @@
 #pragma once
 
+#include "KWinAccessGrant.h"
 #include "KWinWorkspace.h"
 #include "PlasmaWindowManagement.h"
 #include "platform/Accessibility.h"
+
+#include <chrono>
+#include <optional>
 
 namespace stowly::kwin {
 
@@ -25,14 +29,22 @@ private:
 };
 
 // Trusted means: KWin offered us org_kde_plasma_window_management and the connection lives.
-// KWin decides that once per connection from our desktop entry; there is nothing to prompt.
+// KWin decides once per connection, from the desktop entries it has read: asking (prompt)
+// writes our entry, and the checks that follow open a new connection once KWin can have
+// read it (it looks at the disk at most every 1.5 s). A compositor that went away is
+// looked for again the same way. Neither happens more than once every two seconds.
 class KWinAccessibilityTrust : public AccessibilityTrust {
 public:
-    explicit KWinAccessibilityTrust(PlasmaWindowManagement& windows) : m_windows(windows) {}
+    KWinAccessibilityTrust(PlasmaWindowManagement& windows, KWinAccessGrant grant = KWinAccessGrant())
+        : m_windows(windows), m_grant(std::move(grant)) {}
     bool isProcessTrusted(bool prompt) override;
 
 private:
+    using Clock = std::chrono::steady_clock;
     PlasmaWindowManagement& m_windows;
+    KWinAccessGrant m_grant;
+    std::optional<Clock::time_point> m_grantWrittenAt;
+    Clock::time_point m_lastReconnect{};
 };
 
 } // namespace stowly::kwin

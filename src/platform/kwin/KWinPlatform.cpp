@@ -8,7 +8,6 @@
 #include "PlasmaWindowManagement.h"
 #include "ProcFs.h"
 #include "SettingsPreferenceStore.h"
-#include "WaylandConnection.h"
 #include "XdgAutostart.h"
 
 namespace stowly::kwin {
@@ -34,8 +33,7 @@ struct KWinPlatform::Services {
 };
 
 KWinPlatform::KWinPlatform(const std::string& socketName)
-    : m_connection(std::make_unique<WaylandConnection>(socketName)),
-      m_windows(std::make_unique<PlasmaWindowManagement>(*m_connection)),
+    : m_windows(std::make_unique<PlasmaWindowManagement>(socketName)),
       m_services(std::make_unique<Services>(*m_windows))
 {
     Services& s = *m_services;

@@ -8,7 +8,6 @@
 namespace stowly::kwin {
 
 class PlasmaWindowManagement;
-class WaylandConnection;
 
 // Every service for a KDE Plasma Wayland session: windows through KWin's window-management
 // protocol, and the parts every Linux session shares (/proc, desktop entries, XDG autostart,
@@ -23,11 +22,9 @@ public:
 
     Platform& platform() { return *m_platform; }
     PlasmaWindowManagement& windows() { return *m_windows; }
-    WaylandConnection& connection() { return *m_connection; }
 
 private:
     struct Services;
-    std::unique_ptr<WaylandConnection> m_connection;
     std::unique_ptr<PlasmaWindowManagement> m_windows;
     std::unique_ptr<Services> m_services;
     std::unique_ptr<Platform> m_platform;

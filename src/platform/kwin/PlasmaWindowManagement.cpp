@@ -98,28 +98,54 @@ const org_kde_plasma_window_management_listener PlasmaWindowManagement::Window::
     .window_with_uuid = &PlasmaWindowManagement::onWindowAnnounced,
 };
 
-PlasmaWindowManagement::PlasmaWindowManagement(WaylandConnection& connection, int timeoutMs)
-    : connection_(connection)
+PlasmaWindowManagement::PlasmaWindowManagement(std::string socketName, int timeoutMs)
+    : socketName_(std::move(socketName)), timeoutMs_(timeoutMs)
 {
-    if (!connection_.isConnected())
+    connectAndBind();
+}
+
+PlasmaWindowManagement::~PlasmaWindowManagement()
+{
+    disconnect();
+}
+
+void PlasmaWindowManagement::connectAndBind()
+{
+    connection_ = std::make_unique<WaylandConnection>(socketName_);
+    if (!connection_->isConnected())
         return;
     static const wl_registry_listener registryListener{&PlasmaWindowManagement::onGlobal,
                                                         &PlasmaWindowManagement::onGlobalRemove};
-    registry_ = wl_display_get_registry(connection_.display());
+    registry_ = wl_display_get_registry(connection_->display());
     wl_registry_add_listener(registry_, &registryListener, this);
     // The first answer brings the globals (and binds ours); the second, the windows that
     // existed at bind time; the third, their initial states.
     for (int round = 0; round < 3; ++round)
-        connection_.roundtrip(timeoutMs);
+        connection_->roundtrip(timeoutMs_);
 }
 
-PlasmaWindowManagement::~PlasmaWindowManagement()
+void PlasmaWindowManagement::disconnect()
 {
     windows_.clear();
     if (management_ != nullptr)
         org_kde_plasma_window_management_destroy(management_);
     if (registry_ != nullptr)
         wl_registry_destroy(registry_);
+    management_ = nullptr;
+    registry_ = nullptr;
+    globalName_ = 0;
+    advertisedVersion_ = 0;
+    boundVersion_ = 0;
+    connection_.reset();
+}
+
+void PlasmaWindowManagement::reconnect()
+{
+    const bool hadWindows = !windows_.empty();
+    disconnect();
+    connectAndBind();
+    if (hadWindows || !windows_.empty())
+        emit windowsChanged();
 }
 
 void PlasmaWindowManagement::onGlobal(void* data, wl_registry* registry, std::uint32_t name, const char* interface,
@@ -204,7 +230,7 @@ PlasmaWindowManagement::Window* PlasmaWindowManagement::findProxy(org_kde_plasma
 
 bool PlasmaWindowManagement::isGranted() const
 {
-    return management_ != nullptr && connection_.isConnected();
+    return management_ != nullptr && connection_ && connection_->isConnected();
 }
 
 std::vector<PlasmaWindowInfo> PlasmaWindowManagement::windows() const
@@ -228,7 +254,7 @@ bool PlasmaWindowManagement::setMinimized(const std::string& uuid, bool minimize
     if (window == nullptr)
         return false;
     org_kde_plasma_window_set_state(window->proxy, WindowState::minimized, minimized ? WindowState::minimized : 0);
-    connection_.flush();
+    connection_->flush();
     return true;
 }
 
@@ -239,7 +265,7 @@ bool PlasmaWindowManagement::activate(const std::string& uuid)
         return false;
     // Activating a minimized window also restores it, as a taskbar click does.
     org_kde_plasma_window_set_state(window->proxy, WindowState::active | WindowState::minimized, WindowState::active);
-    connection_.flush();
+    connection_->flush();
     return true;
 }
 
@@ -249,13 +275,13 @@ bool PlasmaWindowManagement::close(const std::string& uuid)
     if (window == nullptr)
         return false;
     org_kde_plasma_window_close(window->proxy);
-    connection_.flush();
+    connection_->flush();
     return true;
 }
 
 bool PlasmaWindowManagement::sync(int timeoutMs)
 {
-    return connection_.roundtrip(timeoutMs);
+    return connection_ && connection_->roundtrip(timeoutMs);
 }
 
 } // namespace stowly::kwin

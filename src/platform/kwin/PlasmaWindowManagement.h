@@ -27,10 +27,17 @@ public:
     // The oldest protocol version with window uuids, which the window list is keyed by.
     static constexpr std::uint32_t minimumVersion = 13;
 
-    // Looks for the global on `connection` and, when it is offered, binds it and waits (up to
-    // `timeoutMs`) until every window's initial state has arrived.
-    explicit PlasmaWindowManagement(WaylandConnection& connection, int timeoutMs = 1000);
+    // Connects to `socketName` (empty: $WAYLAND_DISPLAY), looks for the global and, when it is
+    // offered, binds it and waits (up to `timeoutMs`) until every window's initial state has
+    // arrived.
+    explicit PlasmaWindowManagement(std::string socketName = {}, int timeoutMs = 1000);
     ~PlasmaWindowManagement() override;
+
+    // Drops the connection and opens a new one. KWin decides per connection whether to offer
+    // the interface, so a grant written after we connected is seen only this way; so is a
+    // compositor that came back.
+    void reconnect();
+    WaylandConnection& connection() { return *connection_; }
 
     // The compositor advertises the interface (at a version we can use) to this client.
     bool isAdvertised() const { return advertisedVersion_ >= minimumVersion; }
@@ -60,12 +67,16 @@ private:
     static void onGlobalRemove(void* data, wl_registry* registry, std::uint32_t name);
     static void onWindowAnnounced(void* data, org_kde_plasma_window_management* management, std::uint32_t id,
                                   const char* uuid);
+    void connectAndBind();
+    void disconnect();
     void addWindow(const char* uuid);
     void removeWindow(Window* window);
     Window* find(const std::string& uuid) const;
     Window* findProxy(org_kde_plasma_window* proxy) const;
 
-    WaylandConnection& connection_;
+    std::string socketName_;
+    int timeoutMs_;
+    std::unique_ptr<WaylandConnection> connection_;
     wl_registry* registry_ = nullptr;
     org_kde_plasma_window_management* management_ = nullptr;
     std::uint32_t globalName_ = 0;
