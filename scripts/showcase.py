@@ -24,7 +24,15 @@ DEMO_APPS = [
 ]
 
 
+def greyscale_text(bed):
+    """Asks Qt (through the Xft resources it reads from the root window) for greyscale
+    anti-aliasing, so that pictures show no coloured subpixel fringes."""
+    resources = "Xft.antialias:\t1\nXft.rgba:\tnone\nXft.hintstyle:\thintslight\n"
+    bed.run(["xprop", "-root", "-format", "RESOURCE_MANAGER", "8s", "-set", "RESOURCE_MANAGER", resources])
+
+
 def start_demo(bed, binary, apps):
+    greyscale_text(bed)
     for argv in apps:
         bed.spawn_app(argv)
     bed.wait_for(lambda: len(bed.client_windows()) >= len(apps), "the demo apps' windows", 30)

@@ -25,6 +25,9 @@ Button {
     hoverEnabled: false
     implicitHeight: Math.max(180, implicitContentHeight + topPadding + bottomPadding)
     onClicked: card.select()
+    focusPolicy: Qt.StrongFocus
+    Keys.onReturnPressed: if (enabled) clicked()
+    Keys.onEnterPressed: if (enabled) clicked()
 
     Accessible.name: text
     Accessible.description: option.cardSummary
@@ -39,6 +42,18 @@ Button {
         border.color: card.borderColor
         border.width: card.borderWidth
         antialiasing: true
+
+        // The keyboard focus ring, just outside the plate.
+        Rectangle {
+            objectName: "focusRing"
+            anchors.fill: parent
+            anchors.margins: -3
+            radius: 18 + 3
+            color: "transparent"
+            visible: card.activeFocus
+            border.width: 2
+            border.color: theme.accent
+        }
     }
 
     contentItem: Column {

@@ -20,7 +20,8 @@ Item {
     implicitHeight: content.implicitHeight + 4
 
     Accessible.role: Accessible.ListItem
-    Accessible.name: name + ", " + statusLine
+    // Read as "name, status, RAM: figure"; the bullet is for the eye only.
+    Accessible.name: name + ", " + statusLine.replace(" \u2022 ", ", ")
 
     RowLayout {
         id: content
@@ -73,7 +74,10 @@ Item {
             implicitWidth: badgeText.implicitWidth + 16
             implicitHeight: badgeText.implicitHeight + 8
             radius: height / 2
-            color: Qt.rgba(row.statusColor.r, row.statusColor.g, row.statusColor.b, 0.14)
+            // A tint of the status colour: its own alpha scaled, since "secondary" is
+            // already translucent.
+            color: Qt.rgba(row.statusColor.r, row.statusColor.g, row.statusColor.b,
+                           row.statusColor.a * 0.14)
 
             Text {
                 id: badgeText
@@ -93,19 +97,40 @@ Item {
             objectName: "rowMenuButton"
             flat: true
             padding: 2
-            focusPolicy: Qt.NoFocus
+            focusPolicy: Qt.StrongFocus
             Layout.alignment: Qt.AlignVCenter
             text: row.menuName
             display: AbstractButton.IconOnly
+            onClicked: openMenu(false)
+            Keys.onReturnPressed: openMenu(true)
+            Keys.onEnterPressed: openMenu(true)
+            Keys.onPressed: (event) => {
+                if (event.key === Qt.Key_Menu) {
+                    openMenu(true)
+                    event.accepted = true
+                }
+            }
+
             // The menu hangs from the button's trailing edge, so that it stays inside the
-            // panel's margins instead of being pushed against the window's edge.
-            onClicked: rowMenu.popup(menuButton, menuButton.width - rowMenu.width, menuButton.height)
+            // panel's margins instead of being pushed against the window's edge. Opened
+            // from the keyboard, its first entry is current so the arrows start there.
+            property bool menuFromKeyboard: false
+            function openMenu(fromKeyboard) {
+                menuFromKeyboard = fromKeyboard || menuButton.visualFocus
+                rowMenu.popup(menuButton, menuButton.width - rowMenu.width, menuButton.height)
+            }
 
             Accessible.role: Accessible.ButtonMenu
             Accessible.name: row.menuName
             Accessible.onPressAction: if (enabled) clicked()
 
-            background: Item {}
+            background: Rectangle {
+                objectName: "rowMenuFocusRing"
+                radius: height / 2
+                color: "transparent"
+                border.width: menuButton.activeFocus ? 2 : 0
+                border.color: theme.accent
+            }
             contentItem: SymbolImage {
                 name: "ellipsis.circle"
                 tint: theme.secondary
@@ -115,6 +140,9 @@ Item {
             Menu {
                 id: rowMenu
                 objectName: "rowMenu"
+                onOpened: if (menuButton.menuFromKeyboard) currentIndex = 0
+                // The keyboard goes back to the button, so that Escape then closes the panel.
+                onClosed: if (menuButton.menuFromKeyboard) menuButton.forceActiveFocus(Qt.OtherFocusReason)
 
                 MenuItem {
                     objectName: "rowMenuOpen"

@@ -20,6 +20,9 @@ Button {
     hoverEnabled: false
     // The button is disabled as well, but the action checks again on purpose.
     onClicked: if (row.isEnabled) row.toggleRequested(!row.isOn)
+    focusPolicy: Qt.StrongFocus
+    Keys.onReturnPressed: if (enabled) clicked()
+    Keys.onEnterPressed: if (enabled) clicked()
 
     Accessible.role: Accessible.CheckBox
     Accessible.name: title
@@ -32,6 +35,18 @@ Button {
     background: Rectangle {
         radius: 16
         color: theme.controlBackground
+
+        // The keyboard focus ring, just outside the plate.
+        Rectangle {
+            objectName: "focusRing"
+            anchors.fill: parent
+            anchors.margins: -3
+            radius: 16 + 3
+            color: "transparent"
+            visible: row.activeFocus
+            border.width: 2
+            border.color: theme.accent
+        }
     }
 
     contentItem: Row {

@@ -19,15 +19,23 @@ Button {
     leftPadding: 6
     rightPadding: 6
     hoverEnabled: false
-    focusPolicy: Qt.NoFocus
-    onClicked: tile.tap()
+    // A disabled tile is skipped by Tab and ignores Space and Enter like it ignores clicks.
+    focusPolicy: disabled ? Qt.NoFocus : Qt.StrongFocus
+    activeFocusOnTab: !disabled
+    onClicked: if (!tile.disabled) tile.tap()
+    Keys.onReturnPressed: if (!tile.disabled) tile.tap()
+    Keys.onEnterPressed: if (!tile.disabled) tile.tap()
 
     Accessible.name: text
-    Accessible.onPressAction: if (enabled) clicked()
+    Accessible.focusable: !disabled
+    Accessible.onPressAction: if (!tile.disabled) tile.tap()
 
     background: Rectangle {
+        objectName: "tileBackground"
         radius: 12
         color: theme.controlBackground
+        border.width: tile.activeFocus ? 2 : 0
+        border.color: theme.accent
     }
 
     contentItem: Column {

@@ -17,6 +17,36 @@ Rectangle {
     Accessible.role: Accessible.Pane
     Accessible.name: texts.productName
 
+    // Keys that no control took: Escape closes the panel (an open row menu takes it first).
+    focus: true
+    Keys.onEscapePressed: panel.dismiss()
+
+    // Each time the panel comes up, the keyboard starts on the default action's tile, or
+    // on the first tile that can act when that one is disabled or not offered.
+    readonly property bool windowActive: Window.active
+    onWindowActiveChanged: if (windowActive) focusDefaultTile()
+    Component.onCompleted: if (windowActive) focusDefaultTile()
+
+    function focusDefaultTile() {
+        const preferred = panel.defaultActionRawValue()
+        let fallback = null
+        for (let i = 0; i < tiles.count; ++i) {
+            const tile = tiles.itemAt(i)
+            if (!tile || tile.disabled)
+                continue
+            if (tile.bulkAction.rawValue === preferred) {
+                tile.forceActiveFocus(Qt.TabFocusReason)
+                return
+            }
+            if (!fallback)
+                fallback = tile
+        }
+        if (fallback)
+            fallback.forceActiveFocus(Qt.TabFocusReason)
+        else
+            root.forceActiveFocus()
+    }
+
     Shortcut {
         sequence: "Ctrl+Q"
         context: Qt.WindowShortcut
@@ -97,6 +127,7 @@ Rectangle {
             verticalItemAlignment: Grid.AlignVCenter
 
             Repeater {
+                id: tiles
                 model: panel.actions
 
                 MenuActionButton {
@@ -150,21 +181,30 @@ Rectangle {
                 spacing: 8
                 boundsBehavior: Flickable.StopAtBounds
                 model: openApps
+                // The bar lies over the rows instead of taking a lane from them; it is off
+                // while nothing scrolls, and thin, so that it hides little of a menu button.
                 ScrollBar.vertical: ScrollBar {
                     id: appScrollBar
                     objectName: "appListScrollBar"
-                    // Off while nothing scrolls: the style's bar would still take presses
-                    // over the rows' menu buttons.
                     policy: appList.contentHeight > appList.height ? ScrollBar.AsNeeded : ScrollBar.AlwaysOff
+                    padding: 1
+                    contentItem: Rectangle {
+                        implicitWidth: 5
+                        radius: width / 2
+                        color: theme.secondary
+                        opacity: appScrollBar.active ? 0.8 : 0.35
+                    }
+                    background: Item {}
                 }
+                // Tab walks into the rows' menu buttons, so the list itself takes no focus.
+                activeFocusOnTab: false
+                keyNavigationEnabled: false
 
                 Accessible.role: Accessible.List
                 Accessible.name: panel.openAppsHeading
 
-                // Rows take the full width; only a list that scrolls leaves a lane for its
-                // scroll bar, so that the bar never lies over a row's menu button.
                 delegate: AppRowView {
-                    width: appList.width - (appList.contentHeight > appList.height ? appScrollBar.width : 0)
+                    width: appList.width
                 }
             }
         }
@@ -175,28 +215,22 @@ Rectangle {
             color: theme.separator
         }
 
-        Button {
+        PanelButton {
             objectName: "settingsButton"
             text: texts.settings
             onClicked: panel.openSettings()
-            Accessible.name: text
-            Accessible.onPressAction: if (enabled) clicked()
         }
 
-        Button {
+        PanelButton {
             objectName: "refreshButton"
             text: texts.refresh
             onClicked: panel.refresh()
-            Accessible.name: text
-            Accessible.onPressAction: if (enabled) clicked()
         }
 
-        Button {
+        PanelButton {
             objectName: "quitButton"
             text: texts.quit
             onClicked: panel.quit()
-            Accessible.name: text
-            Accessible.onPressAction: if (enabled) clicked()
         }
     }
 }

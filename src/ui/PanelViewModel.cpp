@@ -107,4 +107,14 @@ void PanelViewModel::quit()
     emit quitRequested();
 }
 
+void PanelViewModel::dismiss()
+{
+    emit dismissRequested();
+}
+
+QString PanelViewModel::defaultActionRawValue() const
+{
+    return m_model.preferredDefaultAction().rawValue();
+}
+
 } // namespace stowly

@@ -42,6 +42,11 @@ public:
     Q_INVOKABLE void refresh();
     Q_INVOKABLE void openSettings();
     Q_INVOKABLE void quit();
+    // Asks for the panel to close (Escape).
+    Q_INVOKABLE void dismiss();
+    // The raw value of the action the preferences name as default; its tile takes the
+    // keyboard focus when the panel opens.
+    Q_INVOKABLE QString defaultActionRawValue() const;
 
 signals:
     void actionsChanged();
@@ -49,6 +54,7 @@ signals:
     void resultMessageChanged();
     void settingsRequested();
     void quitRequested();
+    void dismissRequested();
 
 private:
     AppModel& m_model;

@@ -15,6 +15,12 @@ Rectangle {
     Accessible.role: Accessible.Pane
     Accessible.name: texts.settingsWindowTitle
 
+    // Escape closes the window, as in the panel; Tab scrolls the focused control into view.
+    focus: true
+    Keys.onEscapePressed: if (Window.window) Window.window.close()
+    readonly property Item focusedItem: Window.activeFocusItem
+    onFocusedItemChanged: scroller.reveal(focusedItem)
+
     Shortcut {
         sequence: "Ctrl+Q"
         context: Qt.WindowShortcut
@@ -29,7 +35,22 @@ Rectangle {
         contentHeight: sections.height + 2 * 28
         boundsBehavior: Flickable.StopAtBounds
         clip: true
-        ScrollBar.vertical: ScrollBar {}
+        // Shown for as long as there is more than fits, so the window says it scrolls.
+        ScrollBar.vertical: ScrollBar {
+            objectName: "settingsScrollBar"
+            policy: scroller.contentHeight > scroller.height ? ScrollBar.AlwaysOn : ScrollBar.AlwaysOff
+        }
+
+        function reveal(item) {
+            if (!item || !sections.contains(sections.mapFromItem(item, 0, 0)))
+                return
+            const top = item.mapToItem(scroller.contentItem, 0, 0).y - 12
+            const bottom = top + item.height + 24
+            if (top < contentY)
+                contentY = Math.max(0, top)
+            else if (bottom > contentY + height)
+                contentY = Math.min(contentHeight - height, bottom - height)
+        }
 
         Column {
             id: sections
@@ -320,20 +341,37 @@ Rectangle {
                             implicitHeight: 24
                             radius: 4
                             color: grantButton.down ? Qt.darker(theme.accent, 1.2) : theme.accent
+                            border.width: grantButton.activeFocus ? 2 : 0
+                            border.color: Qt.darker(theme.accent, 1.6)
                         }
+                        focusPolicy: Qt.StrongFocus
+                        Keys.onReturnPressed: if (enabled) clicked()
+                        Keys.onEnterPressed: if (enabled) clicked()
                         onClicked: settings.requestAccessibilityPermission()
                         Accessible.name: text
                         Accessible.onPressAction: if (enabled) clicked()
                     }
-                    Button {
+                    PanelButton {
                         objectName: "openSystemSettingsButton"
                         text: texts.openSystemSettings
                         onClicked: settings.openAccessibilitySettings()
-                        Accessible.name: text
-                        Accessible.onPressAction: if (enabled) clicked()
                     }
                 }
             }
+        }
+    }
+
+    // A fade over the bottom edge while more content lies below it.
+    Rectangle {
+        objectName: "moreBelowHint"
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+        height: 28
+        visible: scroller.contentHeight > scroller.height && !scroller.atYEnd
+        gradient: Gradient {
+            GradientStop { position: 0.0; color: Qt.rgba(theme.windowBackground.r, theme.windowBackground.g, theme.windowBackground.b, 0) }
+            GradientStop { position: 1.0; color: theme.windowBackground }
         }
     }
 }

@@ -9,8 +9,10 @@ namespace stowly {
 // The light desktop palette the views were designed against.
 namespace Palette {
 inline const QColor accent{0x00, 0x7a, 0xff};
-inline const QColor orange{0xf0, 0x8a, 0x00};
-inline const QColor green{0x28, 0xb4, 0x46};
+// Orange and green are used for small text, so they are dark enough for 4.5:1 (WCAG AA)
+// against the window background and their own badge tint.
+inline const QColor orange{0x96, 0x42, 0x00};
+inline const QColor green{0x15, 0x66, 0x2b};
 inline const QColor primary = QColor::fromRgba(0xe6000000);
 inline const QColor secondary = QColor::fromRgba(0x8c000000);
 inline const QColor white{0xff, 0xff, 0xff};

@@ -25,6 +25,7 @@ TrayController::TrayController(StowlyViews& views, QObject* parent)
             togglePanel();
     });
     connect(&m_views.panel(), &PanelViewModel::settingsRequested, this, &TrayController::openSettings);
+    connect(&m_views.panel(), &PanelViewModel::dismissRequested, m_panel, &PanelWindow::hide);
     connect(&m_views.panel(), &PanelViewModel::quitRequested, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
 }
 

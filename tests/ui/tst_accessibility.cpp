@@ -68,7 +68,9 @@ private slots:
         QQuickItem* notes = row(view, 0);
         QVERIFY(notes);
         const QString statusLine = UiFixture::findIn(notes, QStringLiteral("rowStatusLine"))->property("text").toString();
-        QCOMPARE(nameOf(notes), QStringLiteral("Notes, ") + statusLine);
+        // Read as "name, status, RAM: figure": the bullet becomes a pause.
+        QVERIFY(statusLine.startsWith(QStringLiteral("Hidden \u2022 RAM: ")));
+        QCOMPARE(nameOf(notes), QStringLiteral("Notes, Hidden, RAM: ") + statusLine.section(QStringLiteral("RAM: "), 1));
         QCOMPARE(nameOf(UiFixture::findIn(notes, QStringLiteral("rowName"))), QStringLiteral("Notes"));
         QCOMPARE(nameOf(UiFixture::findIn(notes, QStringLiteral("rowStatusLine"))), statusLine);
         QCOMPARE(nameOf(UiFixture::findIn(notes, QStringLiteral("rowBadgeText"))), QStringLiteral("Hidden"));
@@ -95,9 +97,11 @@ private slots:
         QVERIFY(press(hide));
         QCOMPARE(notes->hideCalls, 1);
 
-        // A disabled tile keeps its name and ignores the press.
+        // A disabled tile keeps its name, is not focusable, and ignores the press.
         QQuickItem* minimize = ui.find(view, QStringLiteral("actionTile_minimize"));
         QCOMPARE(nameOf(minimize), QStringLiteral("Minimize All Windows"));
+        QVERIFY(!accessible(minimize)->state().focusable);
+        QVERIFY(accessible(hide)->state().focusable);
         const QString before = ui.model().lastResultMessage();
         press(minimize);
         QCOMPARE(ui.model().lastResultMessage(), before);

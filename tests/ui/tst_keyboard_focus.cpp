@@ -1,0 +1,298 @@
+// The views driven from the keyboard alone, and the colour and layout finish that goes with it:
+// focus order, Space / Enter / menu key, Escape, disabled tiles, badge tint, overlay scroll bar,
+// the scrolling settings window and the contrast of the coloured texts.
+#include "PanelViewModel.h"
+#include "Theme.h"
+#include "UiFixture.h"
+
+#include <QKeyEvent>
+#include <QQmlProperty>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <cmath>
+
+using namespace stowly;
+using stowly::testing::UiFixture;
+
+namespace {
+
+// WCAG 2 relative luminance of an opaque colour.
+double luminance(const QColor& c)
+{
+    const auto channel = [](double v) {
+        return v <= 0.03928 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * channel(c.redF()) + 0.7152 * channel(c.greenF()) + 0.0722 * channel(c.blueF());
+}
+
+double contrast(const QColor& a, const QColor& b)
+{
+    const double la = luminance(a);
+    const double lb = luminance(b);
+    return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
+}
+
+// `over` laid with its own alpha on the opaque `under`.
+QColor composite(const QColor& over, const QColor& under)
+{
+    const double a = over.alphaF();
+    return QColor::fromRgbF(float(over.redF() * a + under.redF() * (1 - a)),
+                            float(over.greenF() * a + under.greenF() * (1 - a)),
+                            float(over.blueF() * a + under.blueF() * (1 - a)));
+}
+
+QQuickItem* focused(QQuickView& view)
+{
+    return view.activeFocusItem();
+}
+
+QString focusName(QQuickView& view)
+{
+    QQuickItem* item = focused(view);
+    return item ? item->objectName() : QStringLiteral("<none>");
+}
+
+void activate(QQuickView& view)
+{
+    view.requestActivate();
+    QVERIFY(QTest::qWaitForWindowActive(&view));
+}
+
+} // namespace
+
+class KeyboardFocusTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void panelOpensOnTheDefaultTile()
+    {
+        UiFixture ui;
+        ui.fake.trust.trusted = true;
+        ui.addApp(101, "Notes");
+        ui.setPreference("defaultAction", "closeWindows");
+        ui.start();
+        QQuickView& view = ui.panel();
+        activate(view);
+        QTRY_COMPARE(focusName(view), QStringLiteral("actionTile_closeWindows"));
+        QQuickItem* ring = ui.findIn(focused(view), QStringLiteral("tileBackground"));
+        QCOMPARE(QQmlProperty::read(ring, QStringLiteral("border.width")).toInt(), 2);
+        QCOMPARE(QQmlProperty::read(ring, QStringLiteral("border.color")).value<QColor>(), Palette::accent);
+        QQuickItem* other = ui.find(view, QStringLiteral("actionTile_hide"));
+        QCOMPARE(QQmlProperty::read(ui.findIn(other, QStringLiteral("tileBackground")), QStringLiteral("border.width")).toInt(), 0);
+    }
+
+    void tabWalksTilesRowMenusAndFooterInReadingOrder()
+    {
+        UiFixture ui;
+        ui.fake.trust.trusted = true;
+        ui.addApp(101, "Notes");
+        ui.addApp(102, "Mail");
+        ui.start();
+        QQuickView& view = ui.panel();
+        activate(view);
+        QTRY_COMPARE(focusName(view), QStringLiteral("actionTile_minimize"));
+
+        const QStringList order = {
+            "actionTile_minimize", "actionTile_hide", "actionTile_closeWindows", "actionTile_forceQuit",
+            "rowMenuButton", "rowMenuButton", "settingsButton", "refreshButton", "quitButton",
+        };
+        QList<QQuickItem*> seen{focused(view)};
+        for (int i = 1; i < order.size(); ++i) {
+            QTest::keyClick(&view, Qt::Key_Tab);
+            QCOMPARE(focusName(view), order[i]);
+            seen.append(focused(view));
+        }
+        // The two row menus are the two rows' own, top row first.
+        QVERIFY(seen[4] != seen[5]);
+        QVERIFY(seen[4]->mapToScene(QPointF(0, 0)).y() < seen[5]->mapToScene(QPointF(0, 0)).y());
+        for (int i = order.size() - 2; i >= 0; --i) {
+            QTest::keyClick(&view, Qt::Key_Tab, Qt::ShiftModifier);
+            QCOMPARE(focused(view), seen[i]);
+        }
+    }
+
+    void disabledTileTakesNoFocusAndIgnoresSpaceAndEnter()
+    {
+        UiFixture ui;
+        ui.fake.trust.trusted = false;   // minimize and close windows need access
+        ui.addApp(101, "Notes");
+        ui.start();
+        QQuickView& view = ui.panel();
+        activate(view);
+        QQuickItem* minimize = ui.find(view, QStringLiteral("actionTile_minimize"));
+        QVERIFY(!minimize->isEnabled());
+        QVERIFY(!minimize->activeFocusOnTab());
+        QCOMPARE(minimize->property("focusPolicy").toInt(), int(Qt::NoFocus));
+        // The keyboard starts on the first tile that can act.
+        QTRY_COMPARE(focusName(view), QStringLiteral("actionTile_hide"));
+        for (int i = 0; i < 12; ++i) {
+            QTest::keyClick(&view, Qt::Key_Tab);
+            QVERIFY(focused(view) != minimize);
+            QVERIFY(focusName(view) != QStringLiteral("actionTile_closeWindows"));
+        }
+
+        // It cannot be given the focus, and keys sent to it straight do nothing.
+        minimize->forceActiveFocus();
+        QVERIFY(!minimize->hasActiveFocus());
+        const QString before = ui.model().lastResultMessage();
+        for (Qt::Key key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter}) {
+            QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+            QKeyEvent release(QEvent::KeyRelease, key, Qt::NoModifier);
+            QCoreApplication::sendEvent(minimize, &press);
+            QCoreApplication::sendEvent(minimize, &release);
+        }
+        UiFixture::settle();
+        QCOMPARE(ui.model().lastResultMessage(), before);
+        QVERIFY(ui.fake.accessibility.log.empty());
+    }
+
+    void spaceAndEnterRunTheFocusedTile()
+    {
+        for (Qt::Key key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter}) {
+            UiFixture ui;
+            ui.fake.trust.trusted = true;
+            auto notes = ui.addApp(101, "Notes");
+            ui.setPreference("defaultAction", "hide");
+            ui.start();
+            QQuickView& view = ui.panel();
+            activate(view);
+            QTRY_COMPARE(focusName(view), QStringLiteral("actionTile_hide"));
+            QTest::keyClick(&view, key);
+            QCOMPARE(notes->hideCalls, 1);
+            QVERIFY(!ui.model().lastResultMessage().isEmpty());
+        }
+    }
+
+    void rowMenuOpensFromTheKeyboardAndArrowsChoose()
+    {
+        for (Qt::Key key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Menu}) {
+            UiFixture ui;
+            ui.fake.trust.trusted = true;
+            auto notes = ui.addApp(101, "Notes");
+            ui.start();
+            QQuickView& view = ui.panel();
+            activate(view);
+            QQuickItem* menuButton = ui.find(view, QStringLiteral("rowMenuButton"));
+            menuButton->forceActiveFocus(Qt::TabFocusReason);
+            QTest::keyClick(&view, key);
+            QObject* menu = menuButton->findChild<QObject*>(QStringLiteral("rowMenu"));
+            QVERIFY(menu);
+            QTRY_VERIFY(menu->property("opened").toBool());
+            // Down moves from "Open" to "Close App"; Up comes back; Enter chooses "Open".
+            QCOMPARE(menu->property("currentIndex").toInt(), 0);
+            QTest::keyClick(&view, Qt::Key_Down);
+            QCOMPARE(menu->property("currentIndex").toInt(), 1);
+            QTest::keyClick(&view, Qt::Key_Up);
+            QCOMPARE(menu->property("currentIndex").toInt(), 0);
+            QTest::keyClick(&view, Qt::Key_Return);
+            QTRY_VERIFY(!menu->property("visible").toBool());
+            QCOMPARE(notes->activateCalls.size(), std::size_t(1));
+            QCOMPARE(notes->terminateCalls, 0);
+        }
+    }
+
+    void escapeClosesAnOpenMenuFirstThenThePanel()
+    {
+        UiFixture ui;
+        ui.fake.trust.trusted = true;
+        ui.addApp(101, "Notes");
+        ui.start();
+        QQuickView& view = ui.panel();
+        activate(view);
+        QSignalSpy dismissed(&ui.views().panel(), &PanelViewModel::dismissRequested);
+        QQuickItem* menuButton = ui.find(view, QStringLiteral("rowMenuButton"));
+        menuButton->forceActiveFocus(Qt::TabFocusReason);
+        QTest::keyClick(&view, Qt::Key_Return);
+        QObject* menu = menuButton->findChild<QObject*>(QStringLiteral("rowMenu"));
+        QTRY_VERIFY(menu->property("opened").toBool());
+        QTest::keyClick(&view, Qt::Key_Escape);
+        QTRY_VERIFY(!menu->property("visible").toBool());
+        QCOMPARE(dismissed.count(), 0);
+        QTest::keyClick(&view, Qt::Key_Escape);
+        QCOMPARE(dismissed.count(), 1);
+    }
+
+    void badgeTintScalesTheStatusColoursOwnAlpha()
+    {
+        UiFixture ui;
+        ui.addApp(101, "Notes");
+        ui.start();
+        QQuickView& view = ui.panel();
+        QQuickItem* badge = ui.find(view, QStringLiteral("rowBadge"));
+        const QColor fill = badge->property("color").value<QColor>();
+        QCOMPARE(fill.rgb(), Palette::secondary.rgb());
+        QVERIFY(Palette::secondary.alphaF() < 0.9);
+        QVERIFY(qAbs(fill.alphaF() - Palette::secondary.alphaF() * 0.14) < 0.01);
+    }
+
+    void scrollBarLiesOverTheRows()
+    {
+        UiFixture ui;
+        for (int pid = 200; pid < 230; ++pid)
+            ui.addApp(pid, "App " + std::to_string(pid));
+        ui.start();
+        QQuickView& view = ui.panel();
+        QQuickItem* list = ui.find(view, QStringLiteral("appList"));
+        QQuickItem* bar = ui.find(view, QStringLiteral("appListScrollBar"));
+        QVERIFY(list->property("contentHeight").toReal() > list->height());
+        QVERIFY(bar->isVisible());
+        QVERIFY(bar->width() > 0);
+        QQuickItem* content = list->property("contentItem").value<QQuickItem*>();
+        QQuickItem* first = ui.findIn(content, QStringLiteral("appRow_0"));
+        QCOMPARE(first->width(), list->width());
+        QCOMPARE(first->width(), 312.0);
+    }
+
+    void settingsWindowScrollsWithAHintAndFollowsTheFocus()
+    {
+        UiFixture ui;
+        ui.start();
+        QQuickView& view = ui.settings();
+        activate(view);
+        auto* scroller = qobject_cast<QQuickItem*>(ui.find(view, QStringLiteral("settingsScroller")));
+        QVERIFY(scroller);
+        QCOMPARE(view.height(), 560);
+        QVERIFY(scroller->property("contentHeight").toReal() > scroller->height());
+        QQuickItem* hint = ui.find(view, QStringLiteral("moreBelowHint"));
+        QQuickItem* bar = ui.find(view, QStringLiteral("settingsScrollBar"));
+        QVERIFY(hint->isVisible());
+        QVERIFY(bar->isVisible());
+        QCOMPARE(scroller->property("contentY").toReal(), 0.0);
+
+        // Tab to the last control: the view scrolls it into sight and the hint goes.
+        QQuickItem* last = ui.find(view, QStringLiteral("grantAccessButton"));
+        QVERIFY(last->isVisible());
+        for (int i = 0; i < 20 && view.activeFocusItem() != last; ++i)
+            QTest::keyClick(&view, Qt::Key_Tab);
+        QCOMPARE(view.activeFocusItem(), last);
+        QTRY_VERIFY(scroller->property("contentY").toReal() > 0);
+        const qreal bottom = last->mapToItem(scroller, QPointF(0, last->height())).y();
+        QVERIFY(bottom <= scroller->height());
+        QTRY_VERIFY(scroller->property("atYEnd").toBool() == !hint->isVisible());
+
+        QTest::keyClick(&view, Qt::Key_Escape);
+        QTRY_VERIFY(!view.isVisible());
+    }
+
+    void colouredTextsReachFourAndAHalfToOne()
+    {
+        const QColor backgrounds[] = {Palette::windowBackground, Palette::controlBackground};
+        for (const QColor& text : {Palette::orange, Palette::green}) {
+            for (const QColor& under : backgrounds) {
+                QVERIFY2(contrast(text, under) >= 4.5, qPrintable(text.name() + " on " + under.name()));
+                // On the badge: the text over its own 0.14 tint.
+                QColor tint = text;
+                tint.setAlphaF(float(text.alphaF() * 0.14));
+                const QColor badge = composite(tint, under);
+                QVERIFY2(contrast(text, badge) >= 4.5, qPrintable(text.name() + " on its badge"));
+            }
+        }
+        // The formula itself: black on white is 21:1, a colour on itself 1:1.
+        QVERIFY(qAbs(contrast(Qt::black, Qt::white) - 21.0) < 0.01);
+        QVERIFY(qAbs(contrast(Palette::orange, Palette::orange) - 1.0) < 1e-9);
+    }
+};
+
+QTEST_MAIN(KeyboardFocusTest)
+#include "tst_keyboard_focus.moc"
