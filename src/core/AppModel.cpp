@@ -133,6 +133,8 @@ void AppModel::startAutoRefresh()
     }
     m_refreshTimer = new QTimer(this);
     m_refreshTimer->setInterval(1000);
+    // A coarse timer may fire up to 5% late, and the lateness adds up tick after tick.
+    m_refreshTimer->setTimerType(Qt::PreciseTimer);
     connect(m_refreshTimer, &QTimer::timeout, this, &AppModel::scheduleRefreshFromTimer);
     m_refreshTimer->start();
 }
