@@ -327,7 +327,8 @@ Rectangle {
                     }
                     Button {
                         objectName: "openSystemSettingsButton"
-                        text: texts.openSystemSettings
+                        visible: settings.canOpenAccessSettings
+                        text: settings.openAccessSettingsTitle
                         onClicked: settings.openAccessibilitySettings()
                         Accessible.name: text
                         Accessible.onPressAction: if (enabled) clicked()

@@ -89,7 +89,7 @@ TEST_F(AppModelState, ConstructionPublishesPermissionThenAppsThenLoginStatus)
     fakes.workspace.addApp(10, "Notes");
     QueryOrderLog log(fakes);
     Platform logged{log.workspace,        fakes.accessibility, log.trust,           fakes.processTable,
-                    log.loginItems,       fakes.urlOpener,     fakes.preferences};
+                    log.loginItems,       fakes.urlOpener,     fakes.preferences,   fakes.accessSettings};
     AppModel m(logged);
     EXPECT_EQ(log.entries, (std::vector<std::string>{"trust", "apps", "login"}));
     EXPECT_TRUE(m.hasAccessibilityPermission());
