@@ -38,7 +38,8 @@ int main(int argc, char* argv[])
     // Every preference write goes through one store that tells the views.
     stowly::NotifyingPreferenceStore preferences(backend.preferences);
     stowly::Platform platform{backend.workspace, backend.accessibility, backend.trust, backend.processTable,
-                              backend.loginItems,  backend.urlOpener,     preferences};
+                              backend.loginItems,  backend.urlOpener,     preferences,
+                              backend.accessSettings};
 
     stowly::AppModel model(platform);
     stowly::StowlyViews views(model, preferences);

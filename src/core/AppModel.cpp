@@ -6,7 +6,6 @@
 #include <QCoreApplication>
 #include <QPointer>
 #include <QTimer>
-#include <QUrl>
 
 namespace stowly {
 
@@ -15,8 +14,6 @@ namespace {
 const QString kInitialMessage = QStringLiteral("Grant Accessibility access to minimize windows in other apps.");
 const QString kReadyMessage = QStringLiteral("Ready to manage windows across open apps.");
 const QString kGrantedMessage = QStringLiteral("Accessibility access granted.");
-const char* const kAccessibilitySettingsUrl =
-    "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility";
 
 // "Minimized 1 window.", "Minimized 12 windows.": plain decimal, an "s" for every count but 1.
 QString countMessage(const char* prefix, std::int64_t count, const char* noun)
@@ -133,6 +130,8 @@ void AppModel::startAutoRefresh()
     }
     m_refreshTimer = new QTimer(this);
     m_refreshTimer->setInterval(1000);
+    // A coarse timer may fire up to 5% late, and the lateness adds up tick after tick.
+    m_refreshTimer->setTimerType(Qt::PreciseTimer);
     connect(m_refreshTimer, &QTimer::timeout, this, &AppModel::scheduleRefreshFromTimer);
     m_refreshTimer->start();
 }
@@ -264,11 +263,17 @@ void AppModel::requestAccessibilityPermission()
     refreshRunningApps();
 }
 
+std::optional<QString> AppModel::accessSettingsName() const
+{
+    const std::optional<std::string> name = m_platform.accessSettings.name();
+    return name ? std::optional<QString>(QString::fromStdString(*name)) : std::nullopt;
+}
+
 void AppModel::openAccessibilitySettings()
 {
-    const QString text = QString::fromLatin1(kAccessibilitySettingsUrl);
-    if (QUrl(text, QUrl::StrictMode).isValid())
-        m_platform.urlOpener.openUrl(text.toStdString());
+    // What opens is the platform's: the privacy pane's URL on macOS, a window manager's
+    // settings program on Linux. Nothing here changes, whatever the answer.
+    m_platform.accessSettings.open();
 }
 
 } // namespace stowly

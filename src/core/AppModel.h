@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <vector>
 
 class QTimer;
@@ -61,6 +62,9 @@ public:
     Q_INVOKABLE void setLaunchAtLogin(bool enabled);
     Q_INVOKABLE void requestAccessibilityPermission();
     Q_INVOKABLE void openAccessibilitySettings();
+    // What openAccessibilitySettings() opens, by name ("System Settings"); absent when
+    // the platform has nothing to open.
+    std::optional<QString> accessSettingsName() const;
 
 signals:
     void hasAccessibilityPermissionChanged();

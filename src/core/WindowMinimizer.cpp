@@ -1,7 +1,6 @@
 #include "WindowMinimizer.h"
 
-#include <QCollator>
-#include <QLocale>
+#include "NameCollator.h"
 
 #include <algorithm>
 #include <array>
@@ -208,8 +207,7 @@ std::vector<RunningAppInfo> WindowMinimizer::runningApps()
         });
     }
 
-    QCollator collator;   // the user's locale, as a localized comparison would use
-    collator.setCaseSensitivity(Qt::CaseInsensitive);
+    const NameCollator collator;   // the user's locale, as a localized comparison would use
     std::stable_sort(infos.begin(), infos.end(), [&collator](const RunningAppInfo& a, const RunningAppInfo& b) {
         const std::uint64_t ma = a.memoryBytes.value_or(0);
         const std::uint64_t mb = b.memoryBytes.value_or(0);

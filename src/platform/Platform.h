@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AccessSettings.h"
 #include "Accessibility.h"
 #include "LoginItemService.h"
 #include "PreferenceStore.h"
@@ -19,6 +20,7 @@ struct Platform {
     LoginItemService& loginItems;
     UrlOpener& urlOpener;
     PreferenceStore& preferences;
+    AccessSettings& accessSettings;
 };
 
 } // namespace stowly

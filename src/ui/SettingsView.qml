@@ -353,7 +353,8 @@ Rectangle {
                     }
                     PanelButton {
                         objectName: "openSystemSettingsButton"
-                        text: texts.openSystemSettings
+                        visible: settings.canOpenAccessSettings
+                        text: settings.openAccessSettingsTitle
                         onClicked: settings.openAccessibilitySettings()
                     }
                 }

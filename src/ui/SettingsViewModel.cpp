@@ -101,6 +101,18 @@ QString SettingsViewModel::accessSymbol() const
     return accessGranted() ? QStringLiteral("checkmark.shield.fill") : QStringLiteral("exclamationmark.triangle.fill");
 }
 
+bool SettingsViewModel::canOpenAccessSettings() const
+{
+    // Asked only while the button could show.
+    return !accessGranted() && m_model.accessSettingsName().has_value();
+}
+
+QString SettingsViewModel::openAccessSettingsTitle() const
+{
+    const std::optional<QString> name = accessGranted() ? std::nullopt : m_model.accessSettingsName();
+    return name ? ViewTexts::openAccessSettings(*name) : ViewTexts::openSystemSettings;
+}
+
 void SettingsViewModel::toggleAction(const QString& rawValue, bool isSelected)
 {
     if (const std::optional<DefaultAction> action = DefaultAction::fromRawValue(rawValue))

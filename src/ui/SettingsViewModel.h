@@ -29,6 +29,10 @@ class SettingsViewModel : public QObject {
     Q_PROPERTY(QString accessTitle READ accessTitle NOTIFY accessChanged)
     Q_PROPERTY(QString accessDetail READ accessDetail NOTIFY accessChanged)
     Q_PROPERTY(QString accessSymbol READ accessSymbol NOTIFY accessChanged)
+    // The button that opens where access is granted: shown only while access is missing
+    // and the platform has something to open, named after what it opens.
+    Q_PROPERTY(bool canOpenAccessSettings READ canOpenAccessSettings NOTIFY accessChanged)
+    Q_PROPERTY(QString openAccessSettingsTitle READ openAccessSettingsTitle NOTIFY accessChanged)
 
 public:
     SettingsViewModel(AppModel& model, NotifyingPreferenceStore& preferences, QObject* parent = nullptr);
@@ -44,6 +48,8 @@ public:
     QString accessTitle() const;
     QString accessDetail() const;
     QString accessSymbol() const;
+    bool canOpenAccessSettings() const;
+    QString openAccessSettingsTitle() const;
 
     // A card click; isSelected is what the card showed when it was clicked.
     Q_INVOKABLE void toggleAction(const QString& rawValue, bool isSelected);

@@ -22,6 +22,11 @@ QString rowMenuName(const QString& appName)
     return QStringLiteral("Actions for ") + appName;
 }
 
+QString openAccessSettings(const QString& settingsName)
+{
+    return QStringLiteral("Open ") + settingsName;
+}
+
 QVariantMap asMap()
 {
     return {

@@ -47,6 +47,7 @@ QString openAppsHeading(std::size_t count);                                 // "
 QString appStatusLine(const QString& status, const QString& formattedRAM);  // "Open • RAM: 1 MB"
 QString defaultActionSummaryTitle(const QString& actionTitle);              // "Default: Hide All Apps"
 QString rowMenuName(const QString& appName);                                // "Actions for Notes"
+QString openAccessSettings(const QString& settingsName);                    // "Open System Settings"
 
 // The constant texts above as one map, for the QML's `texts`.
 QVariantMap asMap();

@@ -196,6 +196,21 @@ public:
     }
 };
 
+// Like the macOS backend: opens its location through the URL opener.
+class FakeAccessSettings : public AccessSettings {
+public:
+    explicit FakeAccessSettings(UrlOpener& urlOpener) : urlOpener(urlOpener) {}
+    UrlOpener& urlOpener;
+    std::optional<std::string> settingsName = std::string("System Settings");   // nullopt: nothing to open
+    std::string location = "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility";
+    int nameQueries = 0;
+    std::optional<std::string> name() override {
+        ++nameQueries;
+        return settingsName;
+    }
+    bool open() override { return settingsName && urlOpener.openUrl(location); }
+};
+
 // ---- All of them -----------------------------------------------------------------
 
 struct FakePlatform {
@@ -206,9 +221,11 @@ struct FakePlatform {
     FakeLoginItems loginItems;
     FakeUrlOpener urlOpener;
     FakePreferenceStore preferences;
+    FakeAccessSettings accessSettings{urlOpener};
 
     Platform platform() {
-        return Platform{workspace, accessibility, trust, processTable, loginItems, urlOpener, preferences};
+        return Platform{workspace, accessibility, trust, processTable, loginItems, urlOpener, preferences,
+                        accessSettings};
     }
 };
 

@@ -27,7 +27,7 @@ public:
     fakes::FakePlatform fake;
     NotifyingPreferenceStore preferences{fake.preferences};
     Platform platform{fake.workspace, fake.accessibility, fake.trust, fake.processTable,
-                      fake.loginItems, fake.urlOpener, preferences};
+                      fake.loginItems, fake.urlOpener, preferences, fake.accessSettings};
 
     // A regular app with one standard window and a process of the given footprint.
     fakes::FakeAppRef addApp(std::int32_t pid, const std::string& name, std::uint64_t footprint = 1 << 20);

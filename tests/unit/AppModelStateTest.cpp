@@ -2,6 +2,8 @@
 
 #include <QSignalSpy>
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 namespace stowly {
@@ -36,6 +38,80 @@ TEST_F(AppModelState, ConstructionChecksTrustSilentlyListsAppsAndReadsLoginStatu
     ASSERT_EQ(m.runningApps().size(), 1u);
     EXPECT_EQ(m.runningApps()[0].name, q("Notes"));
     EXPECT_EQ(fakes.preferences.writes, 0);   // defaults are never written at start
+}
+
+// Forwarders that note, in one shared log, the moment each platform query is made.
+class QueryOrderLog {
+public:
+    explicit QueryOrderLog(fakes::FakePlatform& fakes) : trust(*this, fakes.trust), workspace(*this, fakes.workspace),
+                                                          loginItems(*this, fakes.loginItems) {}
+    std::vector<std::string> entries;
+
+    struct Trust : AccessibilityTrust {
+        Trust(QueryOrderLog& log, AccessibilityTrust& inner) : log(log), inner(inner) {}
+        bool isProcessTrusted(bool prompt) override { log.note("trust"); return inner.isProcessTrusted(prompt); }
+        QueryOrderLog& log;
+        AccessibilityTrust& inner;
+    } trust;
+    struct Apps : Workspace {
+        Apps(QueryOrderLog& log, Workspace& inner) : log(log), inner(inner) {}
+        std::vector<RunningApplicationRef> runningApplications() override
+        {
+            log.note("apps");
+            return inner.runningApplications();
+        }
+        RunningApplicationRef runningApplication(std::int32_t pid) override { return inner.runningApplication(pid); }
+        std::int32_t currentProcessIdentifier() const override { return inner.currentProcessIdentifier(); }
+        QueryOrderLog& log;
+        Workspace& inner;
+    } workspace;
+    struct Login : LoginItemService {
+        Login(QueryOrderLog& log, LoginItemService& inner) : log(log), inner(inner) {}
+        LoginItemStatus status() override { log.note("login"); return inner.status(); }
+        std::optional<std::string> registerMainApp() override { return inner.registerMainApp(); }
+        std::optional<std::string> unregisterMainApp() override { return inner.unregisterMainApp(); }
+        QueryOrderLog& log;
+        LoginItemService& inner;
+    } loginItems;
+
+private:
+    void note(const std::string& what)
+    {
+        if (std::find(entries.begin(), entries.end(), what) == entries.end())
+            entries.push_back(what);
+    }
+};
+
+TEST_F(AppModelState, ConstructionPublishesPermissionThenAppsThenLoginStatus)
+{
+    fakes.trust.trusted = true;
+    fakes.loginItems.currentStatus = LoginItemStatus::enabled;
+    fakes.workspace.addApp(10, "Notes");
+    QueryOrderLog log(fakes);
+    Platform logged{log.workspace,        fakes.accessibility, log.trust,           fakes.processTable,
+                    log.loginItems,       fakes.urlOpener,     fakes.preferences,   fakes.accessSettings};
+    AppModel m(logged);
+    EXPECT_EQ(log.entries, (std::vector<std::string>{"trust", "apps", "login"}));
+    EXPECT_TRUE(m.hasAccessibilityPermission());
+    EXPECT_EQ(m.lastResultMessage(), q("Ready to manage windows across open apps."));
+    ASSERT_EQ(m.runningApps().size(), 1u);
+    EXPECT_TRUE(m.launchesAtLogin());
+}
+
+TEST_F(AppModelState, SnapshotPublishesPermissionThenMessageThenApps)
+{
+    auto& m = makeModel();
+    std::vector<std::string> order;
+    QObject::connect(&m, &AppModel::hasAccessibilityPermissionChanged, [&] { order.push_back("permission"); });
+    QObject::connect(&m, &AppModel::lastResultMessageChanged, [&] { order.push_back("message"); });
+    QObject::connect(&m, &AppModel::runningAppsChanged, [&] { order.push_back("apps"); });
+    QObject::connect(&m, &AppModel::launchesAtLoginChanged, [&] { order.push_back("login"); });
+    fakes.trust.trusted = true;
+    m.refreshSnapshot();
+    EXPECT_EQ(order, (std::vector<std::string>{"permission", "message", "apps"}));
+    order.clear();
+    m.refreshSnapshot();
+    EXPECT_EQ(order, (std::vector<std::string>{"permission", "apps"}));
 }
 
 TEST_F(AppModelState, LoginStatusRequiresApprovalMeansNotLaunchingAtLogin)

@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QEvent>
+#include <QEventLoop>
 #include <QMetaObject>
 #include <QSignalSpy>
 #include <QTimer>
@@ -56,6 +57,8 @@ TEST_F(AppModelTimer, ConstructionStartsOneRepeatingOneSecondTimer)
     EXPECT_TRUE(timers[0]->isActive());
     EXPECT_FALSE(timers[0]->isSingleShot());
     EXPECT_EQ(timers[0]->interval(), 1000);
+    // A coarse timer may fire up to 5% late on every tick.
+    EXPECT_EQ(timers[0]->timerType(), Qt::PreciseTimer);
 }
 
 TEST_F(AppModelTimer, StartAutoRefreshTwiceLeavesExactlyOneLiveTimer)
@@ -69,6 +72,7 @@ TEST_F(AppModelTimer, StartAutoRefreshTwiceLeavesExactlyOneLiveTimer)
     ASSERT_EQ(timers.size(), 1);   // replaced timers are gone, not merely stopped
     EXPECT_TRUE(timers[0]->isActive());
     EXPECT_EQ(timers[0]->interval(), 1000);
+    EXPECT_EQ(timers[0]->timerType(), Qt::PreciseTimer);
 }
 
 TEST_F(AppModelTimer, TickNeverRefreshesInsideTheCallback)
@@ -102,6 +106,36 @@ TEST_F(AppModelTimer, TimerTimeoutQueuesTheRefreshToo)
     EXPECT_EQ(fakes.workspace.runningApplicationsCalls, listings);
     QCoreApplication::processEvents();
     EXPECT_GT(fakes.workspace.runningApplicationsCalls, listings);
+}
+
+TEST_F(AppModelTimer, TickInsideANestedEventLoopRefreshesWithinThatLoop)
+{
+    // A menu or a modal dialog runs its own event loop; ticks must not wait for it to end.
+    auto& m = makeModel();
+    drainEvents();
+    const auto timers = m.findChildren<QTimer*>();
+    ASSERT_EQ(timers.size(), 1);
+    const int listings = fakes.workspace.runningApplicationsCalls;
+    int listingsSeenInsideTheLoop = -1;
+    bool ranInsideTheLoop = false;
+
+    QEventLoop nested;
+    QTimer::singleShot(0, &nested, [&] {
+        ranInsideTheLoop = true;
+        ASSERT_TRUE(QMetaObject::invokeMethod(timers[0], "timeout", Qt::DirectConnection));
+        // Posted after the queued refresh, so it runs after it, still inside this loop.
+        QMetaObject::invokeMethod(
+            &nested,
+            [&] {
+                listingsSeenInsideTheLoop = fakes.workspace.runningApplicationsCalls;
+                nested.quit();
+            },
+            Qt::QueuedConnection);
+    });
+    QTimer::singleShot(10000, &nested, &QEventLoop::quit);   // never hang the run
+    nested.exec();
+    ASSERT_TRUE(ranInsideTheLoop);
+    EXPECT_GT(listingsSeenInsideTheLoop, listings);
 }
 
 TEST_F(AppModelTimer, QueuedTickIsTheSnapshotGrantingAccess)

@@ -144,5 +144,29 @@ TEST_F(LaunchAndAccess, OpenSettingsOpensThePrivacyPaneAndChangesNothing)
     EXPECT_EQ(permissionSpy.count(), 0);
 }
 
+TEST_F(LaunchAndAccess, AccessSettingsAreNamedByThePlatformAndOpenedThroughIt)
+{
+    auto& m = makeModel();
+    EXPECT_EQ(m.accessSettingsName(), std::optional<QString>(q("System Settings")));
+    fakes.accessSettings.settingsName = "Openbox Configuration Manager";
+    fakes.accessSettings.location = "obconf:";
+    EXPECT_EQ(m.accessSettingsName(), std::optional<QString>(q("Openbox Configuration Manager")));
+    m.openAccessibilitySettings();
+    EXPECT_EQ(fakes.urlOpener.opened, std::vector<std::string>{"obconf:"});
+}
+
+TEST_F(LaunchAndAccess, NothingToOpenOpensNothingAndChangesNothing)
+{
+    auto& m = makeModel();
+    fakes.accessSettings.settingsName = std::nullopt;
+    const auto message = m.lastResultMessage();
+    QSignalSpy messageSpy(&m, &AppModel::lastResultMessageChanged);
+    EXPECT_EQ(m.accessSettingsName(), std::nullopt);
+    m.openAccessibilitySettings();
+    EXPECT_TRUE(fakes.urlOpener.opened.empty());
+    EXPECT_EQ(m.lastResultMessage(), message);
+    EXPECT_EQ(messageSpy.count(), 0);
+}
+
 } // namespace
 } // namespace stowly

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace stowly {
 namespace {
 
@@ -145,6 +147,75 @@ TEST_F(ManagedApps, AbsentMemoryIsPlacedAfterEveryPositiveFigure)
     EXPECT_EQ(apps[3].name, q("Beta"));
     EXPECT_EQ(apps[2].memoryBytes, std::nullopt);
     EXPECT_EQ(apps[3].memoryBytes, std::nullopt);
+}
+
+TEST_F(ManagedApps, AnAppWithNoFigureTiesWithOneAtZeroAndNamesDecide)
+{
+    // pid 10's only process has another name and measures 0 (resident size 0): 0 bytes.
+    // pid 11 has no process at all: no figure. Both count as 0, so the name decides,
+    // whichever of the two holds the earlier name.
+    workspace.addApp(10, "Beta");
+    processTable.add(10, "unrelated", 0);
+    workspace.addApp(11, "alpha");
+    appUsing(12, "Zulu", 1);
+    auto apps = minimizer.runningApps();
+    ASSERT_EQ(apps.size(), 3u);
+    EXPECT_EQ(apps[0].name, q("Zulu"));
+    EXPECT_EQ(apps[1].name, q("alpha"));
+    EXPECT_EQ(apps[1].memoryBytes, std::nullopt);
+    EXPECT_EQ(apps[2].name, q("Beta"));
+    EXPECT_EQ(apps[2].memoryBytes, std::optional<std::uint64_t>(0));
+
+    workspace.apps.clear();
+    processTable.processes.clear();
+    workspace.addApp(10, "alpha");
+    processTable.add(10, "unrelated", 0);
+    workspace.addApp(11, "Beta");
+    apps = minimizer.runningApps();
+    ASSERT_EQ(apps.size(), 2u);
+    EXPECT_EQ(apps[0].name, q("alpha"));
+    EXPECT_EQ(apps[0].memoryBytes, std::optional<std::uint64_t>(0));
+    EXPECT_EQ(apps[1].name, q("Beta"));
+    EXPECT_EQ(apps[1].memoryBytes, std::nullopt);
+}
+
+TEST_F(ManagedApps, GroupsAndOrdersOverTwelveHundredApps)
+{
+    // Each app: its own process plus a helper; every fifth pair of apps shares a figure.
+    constexpr int kApps = 1200;
+    for (int i = 0; i < kApps; ++i) {
+        const std::int32_t pid = 10000 + 2 * i;
+        const std::string name = (i % 2 ? "app " : "App ") + std::to_string(100000 + i);
+        workspace.addApp(pid, name);
+        const std::uint64_t own = std::uint64_t(i / 2) * 4096;
+        processTable.add(pid, QString::fromStdString(name).toLower().toStdString(), own + 1);
+        processTable.add(pid + 1, QString::fromStdString(name).toLower().toStdString() + " helper", 511);
+    }
+    const auto apps = minimizer.runningApps();
+    ASSERT_EQ(apps.size(), std::size_t(kApps));
+    for (std::size_t k = 0; k < apps.size(); ++k) {
+        // Largest first; within a pair of equal figures the smaller number (name) first.
+        const int i = kApps - 2 - 2 * int(k / 2) + int(k % 2);
+        EXPECT_EQ(apps[k].id, 10000 + 2 * i) << k;
+        EXPECT_EQ(apps[k].memoryBytes, std::optional<std::uint64_t>(std::uint64_t(i / 2) * 4096 + 512)) << k;
+    }
+    EXPECT_EQ(minimizer.managedApps().size(), std::size_t(kApps));
+}
+
+TEST(ManagedAppsDeathTest, MemorySumBeyondSixtyFourBitsIsAProgrammingError)
+{
+    fakes::FakeWorkspace workspace;
+    fakes::FakeAccessibility accessibility;
+    fakes::FakeProcessTable processTable;
+    WindowMinimizer minimizer{workspace, accessibility, processTable};
+    workspace.addApp(10, "Big");
+    const std::uint64_t half = std::numeric_limits<std::uint64_t>::max() / 2 + 1;
+    processTable.add(10, "big", half);
+    processTable.add(11, "big helper", half - 1);
+    // One byte short of wrapping: the exact sum is kept.
+    EXPECT_EQ(minimizer.runningApps().at(0).memoryBytes, std::optional<std::uint64_t>(std::numeric_limits<std::uint64_t>::max()));
+    processTable.add(11, "big helper", half);
+    EXPECT_DEATH((void)minimizer.runningApps(), "");
 }
 
 TEST_F(ManagedApps, RecordsCarryTheAppsStateAndMemory)

@@ -6,6 +6,7 @@
 #include "LinuxWorkspace.h"
 #include "ProcFs.h"
 #include "SettingsPreferenceStore.h"
+#include "WindowManagerSettings.h"
 #include "XConnection.h"
 #include "XdgAutostart.h"
 
@@ -13,7 +14,7 @@ namespace stowly::x11 {
 
 struct LinuxPlatform::Services {
     explicit Services(XConnection& x)
-        : processTable(procCache), workspace(x, procCache, desktopEntries), accessibility(x), trust(x)
+        : processTable(procCache), workspace(x, procCache, desktopEntries), accessibility(x), trust(x), accessSettings(x)
     {
         // The lookups of one pass over the process table share one window snapshot.
         processTable.onPassStart = [this] { workspace.beginProcessPass(); };
@@ -28,6 +29,7 @@ struct LinuxPlatform::Services {
     XdgAutostart loginItems;
     DesktopUrlOpener urlOpener;
     SettingsPreferenceStore preferences;
+    WindowManagerSettings accessSettings;
 };
 
 LinuxPlatform::LinuxPlatform(const std::string& display)
@@ -36,7 +38,8 @@ LinuxPlatform::LinuxPlatform(const std::string& display)
 {
     Services& s = *m_services;
     m_platform = std::make_unique<Platform>(Platform{s.workspace, s.accessibility, s.trust, s.processTable,
-                                                     s.loginItems, s.urlOpener, s.preferences});
+                                                     s.loginItems, s.urlOpener, s.preferences,
+                                                     s.accessSettings});
 }
 
 LinuxPlatform::~LinuxPlatform() = default;

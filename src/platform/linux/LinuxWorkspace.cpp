@@ -57,7 +57,7 @@ bool LinuxRunningApplication::activate(unsigned options)
 // ---- LinuxWorkspace -------------------------------------------------------------------
 
 LinuxWorkspace::LinuxWorkspace(XConnection& x, ProcStatusCache& proc, DesktopEntries& entries)
-    : m_x(x), m_proc(proc), m_entries(entries)
+    : m_x(x), m_proc(proc), m_entries(entries), m_activeWindow(static_cast<std::int32_t>(::getpid()))
 {
 }
 
@@ -85,6 +85,8 @@ LinuxWorkspace::buildTable(std::shared_ptr<const WindowSnapshot> snapshot)
     auto table = std::make_shared<AppTable>();
     table->snapshot = snapshot;
     table->builtAt = std::chrono::steady_clock::now();
+    // Stowly's own windows never make an app inactive: see ForeignActiveWindow.
+    const xcb_window_t activeWindow = m_activeWindow.update(*snapshot, m_x);
     std::vector<std::int32_t> order;
     std::unordered_map<std::int32_t, std::vector<const ClientWindow*>> windowsByPid;
     for (const ClientWindow& w : snapshot->windows) {
@@ -105,7 +107,7 @@ LinuxWorkspace::buildTable(std::shared_ptr<const WindowSnapshot> snapshot)
                 state.policy = ActivationPolicy::regular;
             if (!(w->isMinimized(m_x) && w->stowlyHidden))
                 allHidden = false;
-            if (w->id == snapshot->activeWindow)
+            if (w->id == activeWindow)
                 state.active = true;
             if (!state.icon && w->icon)
                 state.icon = w->icon;

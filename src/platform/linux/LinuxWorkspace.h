@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DesktopEntries.h"
+#include "ForeignActiveWindow.h"
 #include "ProcFs.h"
 #include "ThemedIcons.h"
 #include "WindowSnapshot.h"
@@ -89,6 +90,7 @@ private:
     IconCache m_icons;
     ThemedIcons m_themedIcons;
     ProcessLiveness m_liveness;
+    ForeignActiveWindow m_activeWindow;
 
     bool m_passOpen = false;
     std::shared_ptr<const AppTable> m_passTable;

@@ -1,6 +1,7 @@
 // The platform headers come first: see MacAccessibility.mm.
 #include "MacPlatform.h"
 
+#include "MacAccessSettings.h"
 #include "MacAccessibility.h"
 #include "MacLoginItemService.h"
 #include "MacPreferenceStore.h"
@@ -18,13 +19,14 @@ struct MacPlatform::Services {
     MacLoginItemService loginItems;
     MacUrlOpener urlOpener;
     MacPreferenceStore preferences;
+    MacAccessSettings accessSettings{urlOpener};
 };
 
 MacPlatform::MacPlatform()
     : m_services(std::make_unique<Services>())
     , m_platform{m_services->workspace,    m_services->accessibility, m_services->trust,
                  m_services->processTable, m_services->loginItems,    m_services->urlOpener,
-                 m_services->preferences}
+                 m_services->preferences,  m_services->accessSettings}
 {
 }
 
