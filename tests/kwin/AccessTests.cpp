@@ -1,6 +1,7 @@
 // Asking KWin for the window-management interface, end to end: our entry is written and a
 // new connection is granted, for a program path with spaces and quotes too.
 #include "KWinAccessGrant.h"
+#include "PlasmaSystemSettings.h"
 #include "KWinSession.h"
 #include "TestBed.h"
 
@@ -53,6 +54,31 @@ TEST(KWinAccess, RequestingWritesTheEntryAndANewConnectionIsGranted)
     EXPECT_NE(entry.find("Exec=" + kwinExecArgument(copy) + "\n"), std::string::npos) << entry;
     // From now on every new connection of that program is granted at once.
     EXPECT_EQ(tb::run("'" + copy + "' --probe-grant"), "granted\n");
+}
+
+} // namespace
+
+namespace {
+
+TEST(PlasmaSettings, OfferedAsSystemSettingsOnlyWhenInstalled)
+{
+    stowly::kwin::PlasmaSystemSettings none([](const QString&) { return QString(); });
+    EXPECT_FALSE(none.name().has_value());
+    EXPECT_FALSE(none.open());
+
+    // A stand-in for System Settings that leaves a mark when started.
+    const std::string dir = sharedSession().root() + "/settings-bin";
+    mkdir(dir.c_str(), 0700);
+    const std::string program = dir + "/systemsettings5";
+    const std::string mark = dir + "/started";
+    tb::writeFile(program, "#!/bin/sh\necho \"$@\" > '" + mark + "'\n");
+    chmod(program.c_str(), 0755);
+    stowly::kwin::PlasmaSystemSettings plasma([&](const QString& name) {
+        return name == QStringLiteral("systemsettings5") ? QString::fromStdString(program) : QString();
+    });
+    EXPECT_EQ(plasma.name(), std::optional<std::string>("System Settings"));
+    EXPECT_TRUE(plasma.open());
+    EXPECT_TRUE(tb::waitUntil([&] { return !tb::readText(mark).empty(); }));
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "HiddenWindowRecord.h"
 #include "KWinAccessibility.h"
 #include "KWinWorkspace.h"
+#include "PlasmaSystemSettings.h"
 #include "PlasmaWindowManagement.h"
 #include "ProcFs.h"
 #include "SettingsPreferenceStore.h"
@@ -30,6 +31,7 @@ struct KWinPlatform::Services {
     x11::XdgAutostart loginItems;
     x11::DesktopUrlOpener urlOpener;
     x11::SettingsPreferenceStore preferences;
+    PlasmaSystemSettings accessSettings;
 };
 
 KWinPlatform::KWinPlatform(const std::string& socketName)
@@ -38,7 +40,8 @@ KWinPlatform::KWinPlatform(const std::string& socketName)
 {
     Services& s = *m_services;
     m_platform = std::make_unique<Platform>(Platform{s.workspace, s.accessibility, s.trust, s.processTable,
-                                                     s.loginItems, s.urlOpener, s.preferences});
+                                                     s.loginItems, s.urlOpener, s.preferences,
+                                                     s.accessSettings});
 }
 
 KWinPlatform::~KWinPlatform() = default;
