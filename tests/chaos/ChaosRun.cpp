@@ -232,8 +232,18 @@ void Chaos::perturb()
             const Scene scene = m_observer.look();
             if ((app = randomApp(false)) != nullptr)
                 for (const SeenWindow* w : scene.windowsOf(app->pid)) {
-                    m_observer.toggleSkipTaskbar(w->id, !w->skipTaskbar);
+                    const std::uint32_t id = w->id;
+                    const bool on = !w->skipTaskbar;
+                    m_observer.toggleSkipTaskbar(id, on);
                     faults["skip-taskbar toggled"]++;
+                    // The window manager carries the request out in its own time: the round
+                    // starts from the state it settles on. (A stopped or dying app's window
+                    // may never get there.)
+                    tb::waitUntil([&] {
+                        const Scene now = m_observer.look();
+                        const auto it = now.windows.find(id);
+                        return it == now.windows.end() || it->second.skipTaskbar == on;
+                    }, 1s);
                     break;
                 }
             break;
@@ -408,9 +418,14 @@ void Chaos::runCommand(Command command, const RunningAppInfo* target)
         }
         if (!died.empty())
             fail(describe("a process died"));
-        if (quiet && reported != static_cast<long long>(minimizeTargets.size()))
+        if (quiet && reported != static_cast<long long>(minimizeTargets.size())) {
+            std::string seen;
+            for (const auto& [id, w] : before.windows)
+                seen += "\n    " + w.describe() + (minimizeTargets.count(id) ? " [target]" : "") +
+                        (after.windows.count(id) && after.windows.at(id).iconic ? " [iconic after]" : "");
             fail(describe("reported " + std::to_string(reported) + ", outside saw " +
-                          std::to_string(minimizeTargets.size()) + " targets"));
+                          std::to_string(minimizeTargets.size()) + " targets:" + seen));
+        }
         std::size_t targetsMinimized = 0;
         for (const std::uint32_t id : iconified())
             targetsMinimized += minimizeTargets.count(id);
