@@ -110,6 +110,7 @@ public:
     bool windowManagerFault(bool replace);
 
     const std::string& failure() const { return m_failure; }
+    const std::string& lastScene() const { return m_lastScene; }
     std::map<std::string, int> faults;   // what was injected, how often
     int commandsRun = 0;
     double longestCommandMs = 0;
@@ -138,6 +139,7 @@ private:
     std::map<int, ChaosApp> m_apps;
     std::set<int> m_killedByChaos;   // this round
     std::string m_failure;
+    std::string m_lastScene;   // the outsider's view before the last command
     int m_spawned = 0;
 };
 
@@ -310,6 +312,11 @@ void Chaos::runCommand(Command command, const RunningAppInfo* target)
     m_model.refreshRunningApps();
     const Scene before = m_observer.look();
     const std::set<int> managed = before.managedPids(self);
+    m_lastScene.clear();
+    for (const auto& [id, w] : before.windows)
+        m_lastScene += "\n    " + w.describe() + (managed.count(w.pid) ? " [managed]" : "");
+    for (const RunningAppInfo& info : m_model.runningApps())
+        m_lastScene += "\n    listed by Stowly: " + std::to_string(info.id) + " " + info.name.toStdString();
     std::set<int> aliveBefore;
     for (const auto& [pid, app] : m_apps)
         if (alive(pid))
@@ -477,8 +484,10 @@ void Chaos::runCommand(Command command, const RunningAppInfo* target)
         for (const std::uint32_t id : closed()) {
             const auto w = before.windows.find(id);
             const int pid = w->second.pid;
-            if (closeTargets.count(id) == 0 && m_killedByChaos.count(pid) == 0 && died.count(pid) == 0)
-                fail(describe("window " + std::to_string(id) + " vanished though it was no target"));
+            // Only our apps' windows count: a window manager's own windows come and go.
+            if (aliveBefore.count(pid) != 0 && closeTargets.count(id) == 0 && m_killedByChaos.count(pid) == 0 &&
+                died.count(pid) == 0)
+                fail(describe(w->second.describe() + " vanished though it was no target"));
         }
         if (quiet && reported != static_cast<long long>(closeTargets.size()))
             fail(describe("reported " + std::to_string(reported) + ", outside saw " +
@@ -577,6 +586,16 @@ bool Chaos::windowManagerFault(bool replace)
     m_wmPid = useIcewm ? tb::spawn({"icewm", "--replace"}) : tb::spawn({"env", "XDG_DATA_DIRS=/usr/local/share:/usr/share", "openbox", "--sm-disable"});
     if (!tb::waitUntil([&] { return m_observer.look().windowManager; }, 10s))
         fail("the window manager did not come back");
+    // A window manager announces itself before it handles map requests: only a window it
+    // manages shows it ready for the apps of the next rounds.
+    bool ready = false;
+    for (int attempt = 0; attempt < 10 && !ready; ++attempt) {
+        const int probe = tb::spawn({tb::testWindowProgram(), "--title", "chaos-wm-probe"});
+        ready = tb::waitUntil([&] { return !m_observer.look().windowsOf(probe).empty(); }, 3s);
+        tb::kill(probe);
+    }
+    if (!ready)
+        fail("the window manager that came back manages no new window");
     // Stowly notices by itself on its next tick.
     const bool back = tb::waitUntil([&] {
         m_model.refreshSnapshot();
@@ -623,8 +642,8 @@ int main(int argc, char** argv)
     int done = 0;
     for (; done < rounds; ++done) {
         if (!chaos.round(done, wmFaults)) {
-            std::printf("chaos: FAILED in round %d: %s\nchaos: replay with --seed %llu --rounds %d%s\n", done,
-                        chaos.failure().c_str(), static_cast<unsigned long long>(seed), done + 1,
+            std::printf("chaos: FAILED in round %d: %s\n  before the command:%s\nchaos: replay with --seed %llu --rounds %d%s\n", done,
+                        chaos.failure().c_str(), chaos.lastScene().c_str(), static_cast<unsigned long long>(seed), done + 1,
                         wmFaults ? " --wm-faults" : "");
             return 1;
         }
