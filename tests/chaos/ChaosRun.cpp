@@ -28,7 +28,6 @@
 #include <map>
 #include <mutex>
 #include <random>
-#include <regex>
 #include <sstream>
 #include <thread>
 
@@ -67,11 +66,10 @@ const char* nameOf(Command c)
 // The number in a result message, 0 for the "No ... found." texts, -1 when none.
 long long countIn(const QString& message)
 {
-    static const std::regex number("([0-9]+)");
-    std::smatch m;
     const std::string text = message.toStdString();
-    if (std::regex_search(text, m, number))
-        return std::stoll(m[1]);
+    const auto digit = text.find_first_of("0123456789");
+    if (digit != std::string::npos)
+        return std::atoll(text.c_str() + digit);
     return text.rfind("No ", 0) == 0 ? 0 : -1;
 }
 
@@ -140,6 +138,9 @@ private:
     std::set<int> m_killedByChaos;   // this round
     std::string m_failure;
     std::string m_lastScene;   // the outsider's view before the last command
+    // Apps asked to close while stopped: the request waits in their queue and may end
+    // them rounds later, once they run again. That is the polite close taking effect.
+    std::set<int> m_askedWhileStopped;
     int m_spawned = 0;
 };
 
@@ -394,7 +395,7 @@ void Chaos::runCommand(Command command, const RunningAppInfo* target)
             after = m_observer.look();
             died.clear();
             for (const int pid : aliveBefore)
-                if (!alive(pid) && m_killedByChaos.count(pid) == 0)
+                if (!alive(pid) && m_killedByChaos.count(pid) == 0 && m_askedWhileStopped.count(pid) == 0)
                     died.insert(pid);
             return done();
         }, 2s);
@@ -424,7 +425,8 @@ void Chaos::runCommand(Command command, const RunningAppInfo* target)
                 fail(describe("a window that was no target was minimized: " + w.describe()));
         }
         if (!died.empty())
-            fail(describe("a process died"));
+            fail(describe("process " + std::to_string(*died.begin()) + " died" +
+                          (stoppedBefore[*died.begin()] ? " (it was stopped)" : "")));
         if (quiet && reported != static_cast<long long>(minimizeTargets.size())) {
             std::string seen;
             for (const auto& [id, w] : before.windows)
@@ -451,13 +453,17 @@ void Chaos::runCommand(Command command, const RunningAppInfo* target)
                 fail(describe("a window of an app that was no target was hidden: " + w.describe()));
         }
         if (!died.empty())
-            fail(describe("a process died"));
+            fail(describe("process " + std::to_string(*died.begin()) + " died" +
+                          (stoppedBefore[*died.begin()] ? " (it was stopped)" : "")));
         if (quiet && reported != static_cast<long long>(hideTargets.size()))
             fail(describe("reported " + std::to_string(reported) + ", outside saw " +
                           std::to_string(hideTargets.size()) + " apps to hide"));
         break;
     }
     case Command::close: {
+        for (const std::uint32_t id : closeTargets)
+            if (stoppedBefore[before.windows.at(id).pid])
+                m_askedWhileStopped.insert(before.windows.at(id).pid);
         auto closed = [&] {
             std::set<std::uint32_t> out;
             for (const auto& [id, w] : before.windows)
@@ -515,6 +521,8 @@ void Chaos::runCommand(Command command, const RunningAppInfo* target)
             fail(describe("a process died"));
         break;
     case Command::terminate:
+        if (stoppedBefore[target->id])
+            m_askedWhileStopped.insert(target->id);
         settle([&] { return !alive(target->id) || stoppedBefore[target->id]; });
         for (const int pid : died)
             if (pid != target->id)
