@@ -246,7 +246,7 @@ void Chaos::perturb()
                         const Scene now = m_observer.look();
                         const auto it = now.windows.find(id);
                         return it == now.windows.end() || it->second.skipTaskbar == on;
-                    }, 1s);
+                    }, 3s);
                     break;
                 }
             break;
