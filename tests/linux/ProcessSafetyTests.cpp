@@ -187,11 +187,12 @@ TEST(SignalGuard, RealProcessesAreSignalledOnlyWhenTheyAreWhoWeListed)
 // Without the X-Resource extension a window's pid is whatever its _NET_WM_PID claims.
 TEST(LyingWindows, AWindowClaimingSomeoneElsesPidNeverGetsThemSignalled)
 {
-    Display display(true, {"-extension", "X-Resource"});
-    ASSERT_TRUE(display.ok());
+    // Back to the shared display however this test ends: later tests start apps there.
     struct Restore {
         ~Restore() { setenv("DISPLAY", sharedDisplay().name().c_str(), 1); }
     } restore;
+    Display display(true, {"-extension", "X-Resource"});
+    ASSERT_TRUE(display.ok());
     ASSERT_EQ(run("xdpyinfo -display " + display.name() + " -queryExtensions | grep -c X-Resource"), "0\n");
     x11::LinuxPlatform linux_(display.name());
     Platform& p = linux_.platform();
