@@ -163,7 +163,7 @@ std::set<int> displaysInUse()
 
 } // namespace
 
-Display::Display(bool withWindowManager)
+Display::Display(bool withWindowManager, const std::vector<std::string>& serverOptions)
 {
     const std::set<int> used = displaysInUse();
     int candidate = 100 + static_cast<int>(getpid() % 700);
@@ -185,8 +185,14 @@ Display::Display(bool withWindowManager)
             const int null = open("/dev/null", O_WRONLY);
             dup2(null, 1);
             dup2(null, 2);
-            execlp("Xvfb", "Xvfb", display.c_str(), "-displayfd", fd.c_str(), "-nolisten", "tcp", "-screen", "0",
-                   "1280x800x24", static_cast<char*>(nullptr));
+            std::vector<std::string> args = {"Xvfb",   display, "-displayfd", fd, "-nolisten", "tcp",
+                                             "-screen", "0",     "1280x800x24"};
+            args.insert(args.end(), serverOptions.begin(), serverOptions.end());
+            std::vector<char*> argv;
+            for (auto& a : args)
+                argv.push_back(a.data());
+            argv.push_back(nullptr);
+            execvp("Xvfb", argv.data());
             _exit(127);
         }
         close(fds[1]);

@@ -40,7 +40,8 @@ void writeFile(const std::string& path, const std::string& text);
 class Display {
 public:
     // withWindowManager false: a bare X server (for trust and lost-connection tests).
-    explicit Display(bool withWindowManager = true);
+    // serverOptions are added to Xvfb's command line (e.g. "-extension", "X-Resource").
+    explicit Display(bool withWindowManager = true, const std::vector<std::string>& serverOptions = {});
     ~Display();
     Display(const Display&) = delete;
     Display& operator=(const Display&) = delete;

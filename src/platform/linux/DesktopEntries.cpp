@@ -1,6 +1,7 @@
 #include "DesktopEntries.h"
 
 #include "DesktopEntryFile.h"
+#include "TextUtil.h"
 #include "XdgDirs.h"
 
 #include <dirent.h>
@@ -180,7 +181,9 @@ void DesktopEntries::scan(const std::string& base, const std::string& dir, const
         if (hidden || type != "Application" || plainName.empty())
             continue;
         m_byId[id] = m_entries.size();
-        m_entries.push_back(Entry{id, localizedName.empty() ? plainName : localizedName, icon, wmClass});
+        // The format asks for UTF-8, but nothing enforces it: the name reaches the panel as text.
+        m_entries.push_back(
+            Entry{id, sanitizeUtf8(localizedName.empty() ? plainName : localizedName), icon, wmClass});
     }
 }
 

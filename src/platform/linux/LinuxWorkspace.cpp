@@ -1,10 +1,13 @@
 #include "LinuxWorkspace.h"
 
+#include "ProcessSignals.h"
 #include "WindowRequests.h"
 #include "WindowTypes.h"
 
 #include <signal.h>
 #include <unistd.h>
+
+#include <QtGlobal>
 
 #include <algorithm>
 #include <unordered_set>
@@ -16,6 +19,18 @@ namespace {
 // A pass snapshot older than this is not reused, should a pass ever be left open.
 constexpr auto kPassSnapshotLifetime = std::chrono::seconds(1);
 constexpr int kMaxAncestorDepth = 128;
+
+// A refused signal answers false like any failed request; the log says why.
+bool signalled(std::int32_t pid, int signal, std::optional<std::uint64_t> startTime)
+{
+    const SignalVerdict verdict = sendSignalGuarded(pid, signal, startTime);
+    if (verdict == SignalVerdict::sent)
+        return true;
+    if (verdict != SignalVerdict::gone)
+        qWarning("Stowly: no signal %d to process %d: %s", signal, static_cast<int>(pid),
+                 describeSignalVerdict(verdict));
+    return false;
+}
 
 } // namespace
 
@@ -33,19 +48,19 @@ bool LinuxRunningApplication::hide()
 
 bool LinuxRunningApplication::terminate()
 {
-    if (!processIsAlive(m_state.pid))
-        return false;
+    const auto intended = m_workspace.intendedStartTime(m_state.pid, m_state.startTime);
+    const auto now = readProcStat(m_state.pid);
+    if (!now || now->isZombie() || (intended && now->startTime != *intended))
+        return false;   // gone, or the pid is another process's by now: not its windows
     if (m_workspace.closeProcessWindows(m_state.pid))
         return true;
     // No window the app could close politely: a termination request it may handle.
-    return ::kill(m_state.pid, SIGTERM) == 0;
+    return signalled(m_state.pid, SIGTERM, intended);
 }
 
 bool LinuxRunningApplication::forceTerminate()
 {
-    if (m_state.pid <= 1 || m_state.pid == static_cast<std::int32_t>(::getpid()))
-        return false;
-    return ::kill(m_state.pid, SIGKILL) == 0;
+    return signalled(m_state.pid, SIGKILL, m_workspace.intendedStartTime(m_state.pid, m_state.startTime));
 }
 
 bool LinuxRunningApplication::activate(unsigned options)
@@ -101,6 +116,8 @@ LinuxWorkspace::buildTable(std::shared_ptr<const WindowSnapshot> snapshot)
         const auto& windows = windowsByPid[pid];
         AppState state;
         state.pid = pid;
+        if (const auto stat = m_liveness.stat(pid))
+            state.startTime = stat->startTime;
         bool allHidden = true;
         for (const ClientWindow* w : windows) {
             if (isRegularAppWindow(m_x, *w))
@@ -151,10 +168,26 @@ std::vector<RunningApplicationRef> LinuxWorkspace::runningApplications()
         table = m_passTable;
     else
         table = freshTable();
+    // Only a refresh lists after a pass over the process table: that list is what the
+    // panel shows, and what the user's later commands refer to. A command's own lookups
+    // come without a pass and leave it alone.
+    if (m_passOpen) {
+        m_listedStartTimes.clear();
+        for (const auto& app : table->apps)
+            if (const auto start = static_cast<const LinuxRunningApplication&>(*app).startTime())
+                m_listedStartTimes.emplace(app->processIdentifier(), *start);
+    }
     m_passOpen = false;
     m_passTable.reset();
     m_ancestorMemo.clear();
     return table->apps;
+}
+
+std::optional<std::uint64_t> LinuxWorkspace::intendedStartTime(std::int32_t pid,
+                                                              std::optional<std::uint64_t> seen) const
+{
+    const auto listed = m_listedStartTimes.find(pid);
+    return listed != m_listedStartTimes.end() ? listed->second : seen;
 }
 
 RunningApplicationRef LinuxWorkspace::runningApplication(std::int32_t pid)

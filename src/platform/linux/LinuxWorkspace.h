@@ -25,6 +25,7 @@ struct AppState {
     AppIconRef icon;
     bool hidden = false;
     bool active = false;
+    std::optional<std::uint64_t> startTime;   // of the process as this snapshot saw it
 };
 
 class LinuxRunningApplication : public RunningApplication {
@@ -40,6 +41,7 @@ public:
     AppIconRef icon() const override { return m_state.icon; }
     bool isHidden() const override { return m_state.hidden; }
     bool isActive() const override { return m_state.active; }
+    std::optional<std::uint64_t> startTime() const { return m_state.startTime; }
 
     bool hide() override;
     bool terminate() override;
@@ -71,6 +73,11 @@ public:
     bool activateProcess(std::int32_t pid);
     bool closeProcessWindows(std::int32_t pid);
 
+    // The start time of the process a command for `pid` is meant for: the one the latest
+    // refresh listed under that pid, else `seen` (the one the command's own lookup saw).
+    // A process started since under a reused pid has a different start time.
+    std::optional<std::uint64_t> intendedStartTime(std::int32_t pid, std::optional<std::uint64_t> seen) const;
+
 private:
     struct AppTable {
         std::shared_ptr<const WindowSnapshot> snapshot;
@@ -95,6 +102,8 @@ private:
     bool m_passOpen = false;
     std::shared_ptr<const AppTable> m_passTable;
     std::unordered_map<std::int32_t, RunningApplicationRef> m_ancestorMemo;
+    // pid -> start time of every app the latest refresh listed.
+    std::unordered_map<std::int32_t, std::uint64_t> m_listedStartTimes;
 };
 
 } // namespace stowly::x11

@@ -106,6 +106,19 @@ ProcStatus parseProcStatus(std::string_view text)
         } else if (key == "PPid") {
             if (const auto ppid = parseKb(value); ppid && *ppid <= 0x7fffffff)
                 status.ppid = static_cast<std::int32_t>(*ppid);
+        } else if (key == "Uid") {
+            std::string_view rest = value;
+            std::optional<std::uint64_t> ids[2];
+            for (auto& id : ids) {
+                while (!rest.empty() && (rest.front() == ' ' || rest.front() == '\t'))
+                    rest.remove_prefix(1);
+                id = parseKb(rest);
+                rest.remove_prefix(std::min(rest.size(), rest.find_first_of(" \t")));
+            }
+            if (ids[0] && ids[1] && *ids[0] <= UINT32_MAX && *ids[1] <= UINT32_MAX) {
+                status.realUid = static_cast<std::uint32_t>(*ids[0]);
+                status.effectiveUid = static_cast<std::uint32_t>(*ids[1]);
+            }
         } else if (key == "VmRSS") {
             status.vmRssKb = parseKb(value);
         } else if (key == "RssAnon") {
@@ -175,31 +188,47 @@ ProcessLiveness::~ProcessLiveness()
         ::close(fd);
 }
 
-bool ProcessLiveness::isAlive(std::int32_t pid)
+std::string_view ProcessLiveness::readKept(std::int32_t pid, char* buffer, std::size_t size)
 {
     if (pid <= 0)
-        return false;
-    char buffer[512];
+        return {};
     auto kept = m_files.find(pid);
     if (kept == m_files.end()) {
         char path[32];
         std::snprintf(path, sizeof path, "/proc/%d/stat", pid);
         const int fd = ::open(path, O_RDONLY | O_CLOEXEC);
         if (fd < 0)
-            return false;
+            return {};
         kept = m_files.emplace(pid, fd).first;
     }
     ssize_t n;
     do
-        n = ::pread(kept->second, buffer, sizeof buffer, 0);
+        n = ::pread(kept->second, buffer, size, 0);
     while (n < 0 && errno == EINTR);
     if (n <= 0) {
         // ESRCH: the process this file was opened for has gone.
         ::close(kept->second);
         m_files.erase(kept);
-        return false;
+        return {};
     }
-    return statSaysAlive(std::string_view(buffer, static_cast<std::size_t>(n)));
+    return std::string_view(buffer, static_cast<std::size_t>(n));
+}
+
+bool ProcessLiveness::isAlive(std::int32_t pid)
+{
+    char buffer[1024];
+    const std::string_view text = readKept(pid, buffer, sizeof buffer);
+    return !text.empty() && statSaysAlive(text);
+}
+
+std::optional<ProcStat> ProcessLiveness::stat(std::int32_t pid)
+{
+    char buffer[1024];
+    const std::string_view text = readKept(pid, buffer, sizeof buffer);
+    auto parsed = parseProcStat(text);
+    if (parsed && parsed->pid != pid)
+        return std::nullopt;
+    return parsed;
 }
 
 void ProcessLiveness::keepOnly(const std::vector<std::int32_t>& pids)

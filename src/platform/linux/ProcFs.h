@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ProcStat.h"
 #include "platform/ProcessTable.h"
 
 #include <chrono>
@@ -18,6 +19,7 @@ struct ProcStatus {
     bool readable = false;
     char state = '?';
     std::int32_t ppid = -1;
+    std::optional<std::uint32_t> realUid, effectiveUid;   // the "Uid:" line's first two
     std::optional<std::uint64_t> vmRssKb, rssAnonKb, rssShmemKb, vmSwapKb;
     // The "Name:" line as the kernel escapes it; equal to /proc/PID/comm unless it holds
     // a backslash (the kernel's escape character), which only comm gives unescaped.
@@ -73,10 +75,15 @@ public:
     ProcessLiveness& operator=(const ProcessLiveness&) = delete;
 
     bool isAlive(std::int32_t pid);
+    // Its /proc/PID/stat through the same kept file: nullopt once that process is gone.
+    std::optional<ProcStat> stat(std::int32_t pid);
     // Closes the files of every other process.
     void keepOnly(const std::vector<std::int32_t>& pids);
 
 private:
+    // The text of the kept file, read again; empty when the process is gone.
+    std::string_view readKept(std::int32_t pid, char* buffer, std::size_t size);
+
     std::unordered_map<std::int32_t, int> m_files;
 };
 

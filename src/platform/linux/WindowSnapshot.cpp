@@ -1,7 +1,7 @@
 #include "WindowSnapshot.h"
 
 #include "NetWmIcon.h"
-#include "TextUtil.h"
+#include "WindowProperties.h"
 
 #include <xcb/res.h>
 #include <xcb/xcb_icccm.h>
@@ -22,30 +22,14 @@ constexpr std::uint32_t kMaxTextLongs = 1u << 12;     // 16 KiB of text is plent
 constexpr std::uint32_t kMaxIconLongs = 1u << 20;     // 4 MiB: a 1024x1024 icon
 
 // One GetProperty reply with its value checked against its declared format.
-struct Property {
-    bool present = false;    // the window exists and has the property
+struct Property : PropertyValue {
     bool badWindow = false;
-    xcb_atom_t type = XCB_NONE;
-    std::uint8_t format = 0;
-    std::string_view bytes;
     xcb_get_property_reply_t* reply = nullptr;
 
     Property() = default;
     Property(const Property&) = delete;
     Property& operator=(const Property&) = delete;
     ~Property() { std::free(reply); }
-
-    // Items of a 32-bit property (xcb hands them over in host order).
-    std::vector<std::uint32_t> longs() const
-    {
-        std::vector<std::uint32_t> out;
-        if (!present || format != 32)
-            return out;
-        out.resize(bytes.size() / 4);
-        if (!out.empty())
-            std::memcpy(out.data(), bytes.data(), out.size() * 4);
-        return out;
-    }
 };
 
 void collect(xcb_connection_t* c, xcb_get_property_cookie_t cookie, Property& out)
@@ -56,18 +40,11 @@ void collect(xcb_connection_t* c, xcb_get_property_cookie_t cookie, Property& ou
         out.badWindow = error->error_code == XCB_WINDOW;
         std::free(error);
     }
-    if (out.reply == nullptr || out.reply->type == XCB_NONE)
+    if (out.reply == nullptr)
         return;
-    const int length = xcb_get_property_value_length(out.reply);
-    const std::uint8_t format = out.reply->format;
-    if (length < 0 || (format != 8 && format != 16 && format != 32))
-        return;
-    const std::size_t unit = format / 8;
-    const std::size_t usable = static_cast<std::size_t>(length) - static_cast<std::size_t>(length) % unit;
-    out.present = true;
-    out.type = out.reply->type;
-    out.format = format;
-    out.bytes = std::string_view(static_cast<const char*>(xcb_get_property_value(out.reply)), usable);
+    static_cast<PropertyValue&>(out) = checkedPropertyValue(out.reply->type, out.reply->format,
+                                                            xcb_get_property_value(out.reply),
+                                                            xcb_get_property_value_length(out.reply));
 }
 
 xcb_get_property_cookie_t request(xcb_connection_t* c, xcb_window_t window, xcb_atom_t property,
@@ -76,23 +53,9 @@ xcb_get_property_cookie_t request(xcb_connection_t* c, xcb_window_t window, xcb_
     return xcb_get_property_unchecked(c, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, maxLongs);
 }
 
-std::optional<std::string> textOf(const Property& p, const XConnection& x)
-{
-    if (!p.present || p.format != 8)
-        return std::nullopt;
-    std::string_view text = p.bytes;
-    // Some clients include the terminating NUL.
-    while (!text.empty() && text.back() == '\0')
-        text.remove_suffix(1);
-    if (p.type == x.atom(Atom::UTF8_STRING))
-        return sanitizeUtf8(text);
-    return latin1OrUtf8ToUtf8(text);
-}
+constexpr int kPropCount = kWindowPropertyCount;
 
-// The properties a snapshot reads, in the order their requests are sent.
-enum Prop { kPid, kType, kState, kWmState, kWmClass, kHidden, kTransient, kProtocols, kGtkId, kKdeFile, kNetName,
-            kWmName, kPropCount };
-
+// The atoms of the WindowProperty order.
 std::array<xcb_atom_t, kPropCount> propertyAtoms(const XConnection& x)
 {
     return {x.atom(Atom::NET_WM_PID), x.atom(Atom::NET_WM_WINDOW_TYPE), x.atom(Atom::NET_WM_STATE),
@@ -169,6 +132,7 @@ std::shared_ptr<const WindowSnapshot> takeWindowSnapshot(XConnection& x, IconCac
     // Events handled from here on may describe changes after the root's lists were read.
     snapshot->listSerial = x.eventSerial();
     const auto atoms = propertyAtoms(x);
+    const PropertyAtoms knownAtoms{x.atom(Atom::UTF8_STRING), x.atom(Atom::WM_STATE), x.atom(Atom::WM_DELETE_WINDOW)};
 
     // A window the previous snapshot of this connection described, that we have watched
     // ever since, keeps that description except for the properties that changed since;
@@ -297,74 +261,13 @@ std::shared_ptr<const WindowSnapshot> takeWindowSnapshot(XConnection& x, IconCac
         for (int p = 0; p < kPropCount; ++p)
             if (k.asked[p])
                 collect(c, k.prop[p], props[p]);
-        const Property& pid = props[kPid];
-        const Property& type = props[kType];
-        const Property& state = props[kState];
-        const Property& wmState = props[kWmState];
-        const Property& wmClass = props[kWmClass];
-        const Property& hidden = props[kHidden];
-        const Property& transient = props[kTransient];
-        const Property& protocols = props[kProtocols];
-        for (const Property& p : props)
-            if (p.badWindow)
+        WindowPropertyValues values;
+        for (int p = 0; p < kPropCount; ++p) {
+            values[p] = props[p];
+            if (props[p].badWindow)
                 w.vanished = true;
-
-        if (k.asked[kPid] && w.pid == 0 && pid.type == XCB_ATOM_CARDINAL) {
-            const auto values = pid.longs();
-            if (!values.empty() && values.front() > 0 && values.front() <= 0x7fffffff)
-                w.pid = static_cast<std::int32_t>(values.front());
         }
-        if (k.asked[kType])
-            w.types = type.type == XCB_ATOM_ATOM ? type.longs() : std::vector<xcb_atom_t>{};
-        if (k.asked[kState])
-            w.states = state.type == XCB_ATOM_ATOM ? state.longs() : std::vector<xcb_atom_t>{};
-        if (k.asked[kWmState]) {
-            w.iconicByWmState = false;
-            if (wmState.type == x.atom(Atom::WM_STATE)) {
-                const auto values = wmState.longs();
-                w.iconicByWmState = !values.empty() && values.front() == XCB_ICCCM_WM_STATE_ICONIC;
-            }
-        }
-        if (k.asked[kWmClass]) {
-            w.wmClassInstance.reset();
-            w.wmClassClass.reset();
-            if (wmClass.present && wmClass.format == 8) {
-                // Two NUL-terminated strings: instance, then class.
-                const std::string_view all = wmClass.bytes;
-                const std::size_t split = all.find('\0');
-                w.wmClassInstance = latin1OrUtf8ToUtf8(all.substr(0, split));
-                if (split != std::string_view::npos) {
-                    std::string_view rest = all.substr(split + 1);
-                    rest = rest.substr(0, rest.find('\0'));
-                    if (!rest.empty())
-                        w.wmClassClass = latin1OrUtf8ToUtf8(rest);
-                }
-                if (w.wmClassInstance->empty())
-                    w.wmClassInstance.reset();
-            }
-        }
-        if (k.asked[kHidden])
-            w.stowlyHidden =
-                hidden.present && hidden.format == 32 && !hidden.longs().empty() && hidden.longs().front() != 0;
-        if (k.asked[kTransient])
-            w.transient = transient.type == XCB_ATOM_WINDOW && !transient.longs().empty();
-        if (k.asked[kProtocols]) {
-            w.supportsDelete = false;
-            if (protocols.type == XCB_ATOM_ATOM) {
-                const auto values = protocols.longs();
-                w.supportsDelete =
-                    std::find(values.begin(), values.end(), x.atom(Atom::WM_DELETE_WINDOW)) != values.end();
-            }
-        }
-        if (k.asked[kGtkId])
-            w.gtkApplicationId = textOf(props[kGtkId], x);
-        if (k.asked[kKdeFile])
-            w.kdeDesktopFile = textOf(props[kKdeFile], x);
-        if (k.asked[kNetName]) {
-            w.title = textOf(props[kNetName], x);
-            if (!w.title)
-                w.title = textOf(props[kWmName], x);
-        }
+        interpretWindowProperties(w, values, k.asked, knownAtoms);
 
         if (k.askedIcon) {
             Property icon;

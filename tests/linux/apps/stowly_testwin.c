@@ -71,7 +71,7 @@ static void usage(void)
 {
     fprintf(stderr,
             "stowly_testwin [--title T] [--class INSTANCE CLASS] [--type normal|dialog|utility|none]\n"
-            "  [--windows N] [--dialog] [--free-dialog] [--skip-taskbar] [--no-delete] [--no-pid] [--gtk-id ID]\n"
+            "  [--windows N] [--dialog] [--free-dialog] [--skip-taskbar] [--no-delete] [--no-pid] [--pid N] [--gtk-id ID]\n"
             "  [--icon N] [--huge-icon] [--pixmap-icon] [--garbage] [--alloc-mb M] [--child-alloc-mb M] [--churn]\n");
     exit(2);
 }
@@ -86,6 +86,7 @@ int main(int argc, char** argv)
     int windows = 1, dialog = 0, free_dialog = 0, skip_taskbar = 0, no_delete = 0, no_pid = 0, garbage = 0, huge_icon = 0, churn = 0;
     int pixmap_icon = 0;
     uint32_t icon = 0;
+    uint32_t claimed_pid = 0;   /* a _NET_WM_PID that lies, when given */
     size_t alloc_mb = 0, child_alloc_mb = 0;
 
     for (int i = 1; i < argc; ++i) {
@@ -100,6 +101,7 @@ int main(int argc, char** argv)
         else if (!strcmp(a, "--skip-taskbar")) skip_taskbar = 1;
         else if (!strcmp(a, "--no-delete")) no_delete = 1;
         else if (!strcmp(a, "--no-pid")) no_pid = 1;
+        else if (!strcmp(a, "--pid") && more) claimed_pid = (uint32_t)strtoul(argv[++i], NULL, 10);
         else if (!strcmp(a, "--gtk-id") && more) gtk_id = argv[++i];
         else if (!strcmp(a, "--icon") && more) icon = (uint32_t)atoi(argv[++i]);
         else if (!strcmp(a, "--huge-icon")) huge_icon = 1;
@@ -154,7 +156,7 @@ int main(int argc, char** argv)
         int n = snprintf(class_bytes, sizeof class_bytes, "%s%c%s", instance, 0, klass);
         set8(w, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, class_bytes, (uint32_t)n + 1);
         if (!no_pid) {
-            const uint32_t pid = (uint32_t)getpid();
+            const uint32_t pid = claimed_pid != 0 ? claimed_pid : (uint32_t)getpid();
             set32(w, "_NET_WM_PID", XCB_ATOM_CARDINAL, &pid, 1);
         }
         if (!no_delete)
