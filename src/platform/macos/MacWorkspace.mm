@@ -1,5 +1,6 @@
 #include "MacWorkspace.h"
 
+#include "ActivationPolicyCode.h"
 #include "MacImageRendering.h"
 
 #import <AppKit/AppKit.h>
@@ -11,6 +12,10 @@
 
 namespace stowly::macos {
 namespace {
+
+static_assert(NSApplicationActivationPolicyRegular == static_cast<long>(ActivationPolicy::regular));
+static_assert(NSApplicationActivationPolicyAccessory == static_cast<long>(ActivationPolicy::accessory));
+static_assert(NSApplicationActivationPolicyProhibited == static_cast<long>(ActivationPolicy::prohibited));
 
 std::optional<std::string> toOptionalString(NSString* text)
 {
@@ -34,16 +39,7 @@ public:
 
     ActivationPolicy activationPolicy() const override
     {
-        switch (m_application.activationPolicy) {
-        case NSApplicationActivationPolicyRegular:
-            return ActivationPolicy::regular;
-        case NSApplicationActivationPolicyAccessory:
-            return ActivationPolicy::accessory;
-        case NSApplicationActivationPolicyProhibited:
-            return ActivationPolicy::prohibited;
-        }
-        // A policy this SDK does not know: never treat it as a regular app.
-        return ActivationPolicy::prohibited;
+        return activationPolicyFromCode(m_application.activationPolicy);
     }
 
     std::optional<std::string> localizedName() const override
