@@ -99,6 +99,7 @@ def main(binary):
         check(opened.returncode == 0 and opened.stdout.strip() == f"Opened {names.get(target)}.",
               f"open PID: {opened.stdout.strip()!r}")
         bed.wait_for(lambda: not any(bed.is_iconic(w) for w in windows[target]), "the opened xterm to map", 10)
+        check(all(bed.is_iconic(w) for w in windows[pids[1]]), "open leaves the other apps minimized")
 
         if len({names.get(p) for p in pids}) == 1:
             ambiguous = stowly("close", names[pids[0]].lower())
