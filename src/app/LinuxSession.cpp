@@ -4,6 +4,7 @@
 #include "LinuxPlatform.h"
 #include "PlasmaWindowManagement.h"
 #include "WaylandConnection.h"
+#include "XConnection.h"
 
 #include <QByteArray>
 #include <QtGlobal>
@@ -57,6 +58,15 @@ LinuxSession::~LinuxSession() = default;
 Platform& LinuxSession::platform()
 {
     return m_kwin ? m_kwin->platform() : m_x11->platform();
+}
+
+} // namespace stowly
+
+namespace stowly {
+
+bool LinuxSession::reachesWindowSystem()
+{
+    return m_kwin ? m_kwin->windows().connection().isConnected() : m_x11->connection().isConnected();
 }
 
 } // namespace stowly

@@ -32,6 +32,8 @@ public:
     LinuxSession& operator=(const LinuxSession&) = delete;
 
     Platform& platform();
+    // The chosen window system answers (an X display, or KWin's Wayland socket).
+    bool reachesWindowSystem();
     WindowSystem windowSystem() const { return m_windowSystem; }
 
 private:

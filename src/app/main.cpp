@@ -1,11 +1,15 @@
 // Stowly: a tray utility that clears the desktop of other apps' windows.
 #include "AppModel.h"
+#include "CommandLine.h"
 #include "NotifyingPreferenceStore.h"
+#include "PanelWindow.h"
 #include "StatusIcon.h"
 #include "StowlyViews.h"
 #include "TrayController.h"
 
 #include <QApplication>
+
+#include <cstdio>
 
 #if defined(Q_OS_MACOS)
 #include "MacPlatform.h"
@@ -13,24 +17,72 @@
 using PlatformServices = stowly::macos::MacPlatform;
 #else
 #include "LinuxSession.h"
+#include "SingleInstance.h"
 using PlatformServices = stowly::LinuxSession;
 #endif
 
-int main(int argc, char* argv[])
+namespace {
+
+constexpr auto kDesktopFileName = "app.stowly.Stowly";
+
+void nameApplication()
+{
+    QCoreApplication::setApplicationName(QStringLiteral("Stowly"));
+    QCoreApplication::setOrganizationName(QStringLiteral("Stowly"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(STOWLY_VERSION));
+}
+
+QStringList argumentsOf(int argc, char* argv[])
+{
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments << QString::fromLocal8Bit(argv[i]);
+    return arguments;
+}
+
+// A command from the command line acts once, without the tray and without a window.
+int runOnce(int argc, char* argv[], const stowly::CommandRequest& request)
+{
+#if !defined(Q_OS_MACOS)
+    stowly::LinuxSession::prepareEnvironment();
+#endif
+    QCoreApplication application(argc, argv);
+    nameApplication();
+    PlatformServices services;
+#if !defined(Q_OS_MACOS)
+    if (!services.reachesWindowSystem()) {
+        std::fputs("stowly: cannot reach the X display or the Wayland compositor; is DISPLAY or WAYLAND_DISPLAY set?\n",
+                   stderr);
+        return stowly::exitNothingDone;
+    }
+#endif
+    stowly::AppModel model(services.platform());
+    return stowly::runCommand(request, model);
+}
+
+int runTray(int argc, char* argv[])
 {
 #if !defined(Q_OS_MACOS)
     stowly::LinuxSession::prepareEnvironment();
 #endif
     // Widgets only for the tray icon; the panel and the settings window are Qt Quick.
     QApplication application(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("Stowly"));
-    QApplication::setOrganizationName(QStringLiteral("Stowly"));
+    nameApplication();
+    QGuiApplication::setDesktopFileName(QString::fromLatin1(kDesktopFileName));
     QApplication::setWindowIcon(stowly::StatusIcon::icon());
     // Closing the panel or the settings window never ends the program; Quit does.
     QApplication::setQuitOnLastWindowClosed(false);
 #if defined(Q_OS_MACOS)
     // No Dock icon and no menu bar of its own: the menu-bar item is the whole presence.
     stowly::macos::useAccessoryActivationPolicy();
+#else
+    stowly::SingleInstance instance;
+    if (instance.activateRunningInstance()) {
+        std::fputs("Stowly is already running; its panel is open.\n", stdout);
+        return stowly::exitSuccess;
+    }
+    if (QString error; !instance.listen(&error))
+        std::fprintf(stderr, "stowly: cannot watch for a second start: %s\n", qPrintable(error));
 #endif
 
     PlatformServices services;
@@ -46,7 +98,35 @@ int main(int argc, char* argv[])
     stowly::TrayController tray(views);
 #if defined(Q_OS_MACOS)
     tray.setActivateBeforeSettings(&stowly::macos::activateForSettingsWindow);
+#else
+    QObject::connect(&instance, &stowly::SingleInstance::activationRequested, &tray, [&tray] {
+        if (!tray.panelWindow().isVisible())
+            tray.togglePanel();
+    });
 #endif
     tray.showTrayIcon();
     return application.exec();
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    const stowly::ParseResult parsed = stowly::parseCommandLine(argumentsOf(argc, argv));
+    if (!parsed.request) {
+        std::fprintf(stderr, "stowly: %s\n", qPrintable(parsed.error));
+        return stowly::exitBadUsage;
+    }
+    switch (parsed.request->kind) {
+    case stowly::CommandRequest::Kind::runTray:
+        return runTray(argc, argv);
+    case stowly::CommandRequest::Kind::help:
+        std::fputs(qPrintable(stowly::usageText()), stdout);
+        return stowly::exitSuccess;
+    case stowly::CommandRequest::Kind::version:
+        std::fputs(qPrintable(stowly::versionText()), stdout);
+        return stowly::exitSuccess;
+    default:
+        return runOnce(argc, argv, *parsed.request);
+    }
 }

@@ -613,7 +613,7 @@ TEST_F(Backend, MemoryCountersMatchProc)
 TEST(LoginItem, WritesStatusAndRemovesTheAutostartEntry)
 {
     x11::XdgAutostart login;
-    const std::string path = dirs().configHome + "/autostart/stowly.desktop";
+    const std::string path = dirs().configHome + "/autostart/app.stowly.Stowly.desktop";
     ASSERT_EQ(x11::XdgAutostart::entryPath(), path);
     login.unregisterMainApp();
     EXPECT_EQ(login.status(), LoginItemStatus::notRegistered);
@@ -643,6 +643,42 @@ TEST(LoginItem, WritesStatusAndRemovesTheAutostartEntry)
     EXPECT_NE(stat(path.c_str(), &st), 0);
     EXPECT_EQ(login.status(), LoginItemStatus::notRegistered);
     EXPECT_EQ(login.unregisterMainApp(), std::nullopt);
+}
+
+TEST(LoginItem, QuotesAnExecutablePathWithSpacesAndQuotes)
+{
+    // Desktop Entry rules: a quoted argument escapes '"' as \", and the file format
+    // doubles every backslash once more.
+    x11::XdgAutostart login("/opt/my apps/st\"owly 100%");
+    ASSERT_EQ(login.registerMainApp(), std::nullopt);
+    const std::string text = readText(x11::XdgAutostart::entryPath());
+    EXPECT_NE(text.find("\nExec=\"/opt/my apps/st\\\\\"owly 100%%\"\n"), std::string::npos) << text;
+    EXPECT_EQ(login.unregisterMainApp(), std::nullopt);
+}
+
+TEST(LoginItem, ReplacesAnOldEntryInsteadOfAddingASecond)
+{
+    const std::string legacy = x11::XdgAutostart::legacyEntryPath();
+    ASSERT_NE(legacy, x11::XdgAutostart::entryPath());
+    {
+        std::ofstream(legacy) << "[Desktop Entry]\nType=Application\nName=Stowly\nExec=/old/place/stowly\n";
+    }
+    x11::XdgAutostart login("/usr/bin/stowly");
+    EXPECT_EQ(login.status(), LoginItemStatus::enabled) << "an old version's entry still starts it";
+    ASSERT_EQ(login.registerMainApp(), std::nullopt);
+    struct stat st {};
+    EXPECT_NE(stat(legacy.c_str(), &st), 0) << "the old entry is gone";
+    const std::string text = readText(x11::XdgAutostart::entryPath());
+    EXPECT_NE(text.find("\nExec=/usr/bin/stowly\n"), std::string::npos) << text;
+    EXPECT_EQ(text.find("/old/place"), std::string::npos);
+    // Registering again rewrites the one entry; a second path replaces the first.
+    x11::XdgAutostart moved("/home/me/build/bin/stowly");
+    ASSERT_EQ(moved.registerMainApp(), std::nullopt);
+    const std::string again = readText(x11::XdgAutostart::entryPath());
+    EXPECT_NE(again.find("\nExec=/home/me/build/bin/stowly\n"), std::string::npos) << again;
+    EXPECT_EQ(again.find("/usr/bin/stowly"), std::string::npos);
+    EXPECT_EQ(moved.unregisterMainApp(), std::nullopt);
+    EXPECT_EQ(moved.status(), LoginItemStatus::notRegistered);
 }
 
 TEST(LoginItem, FailuresCarryTheSystemErrorText)

@@ -427,7 +427,7 @@ TEST(ModelSettings, PreferencesSurviveARestartOfTheModel)
 
 TEST(ModelSettings, LaunchAtLoginWritesAndRemovesTheAutostartEntry)
 {
-    const std::string path = dirs().configHome + "/autostart/stowly.desktop";
+    const std::string path = dirs().configHome + "/autostart/app.stowly.Stowly.desktop";
     struct stat st {};
     {
         x11::LinuxPlatform linux_;

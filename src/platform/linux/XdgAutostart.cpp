@@ -86,12 +86,19 @@ XdgAutostart::XdgAutostart(std::string executable) : m_executable(std::move(exec
 
 std::string XdgAutostart::entryPath()
 {
+    return xdgConfigHome() + "/autostart/app.stowly.Stowly.desktop";
+}
+
+std::string XdgAutostart::legacyEntryPath()
+{
     return xdgConfigHome() + "/autostart/stowly.desktop";
 }
 
 LoginItemStatus XdgAutostart::status()
 {
     std::ifstream in(entryPath());
+    if (!in)
+        in.open(legacyEntryPath());
     if (!in)
         return LoginItemStatus::notRegistered;
     bool disabled = false;
@@ -118,7 +125,7 @@ std::optional<std::string> XdgAutostart::registerMainApp()
                              "Name=Stowly\n"
                              "Comment=Minimize, hide, close or quit all apps from the tray\n"
                              "Exec=" + execArgument(executable) + "\n"
-                             "Icon=stowly\n"
+                             "Icon=app.stowly.Stowly\n"
                              "Terminal=false\n"
                              "X-GNOME-Autostart-enabled=true\n";
     // Write beside it and rename, so that a session starting meanwhile never reads half.
@@ -149,13 +156,17 @@ std::optional<std::string> XdgAutostart::registerMainApp()
         ::unlink(temporary.c_str());
         return systemError(error);
     }
+    // An entry written by an earlier version under the old name would start a second copy.
+    if (::unlink(legacyEntryPath().c_str()) != 0 && errno != ENOENT)
+        return systemError(errno);
     return std::nullopt;
 }
 
 std::optional<std::string> XdgAutostart::unregisterMainApp()
 {
-    if (::unlink(entryPath().c_str()) != 0 && errno != ENOENT)
-        return systemError(errno);
+    for (const std::string& path : {entryPath(), legacyEntryPath()})
+        if (::unlink(path.c_str()) != 0 && errno != ENOENT)
+            return systemError(errno);
     return std::nullopt;
 }
 

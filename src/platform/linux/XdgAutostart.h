@@ -6,7 +6,9 @@
 
 namespace stowly::x11 {
 
-// The login item as an XDG autostart entry: $XDG_CONFIG_HOME/autostart/stowly.desktop.
+// The login item as an XDG autostart entry: $XDG_CONFIG_HOME/autostart/app.stowly.Stowly.desktop.
+// The entry always names one program: registering replaces whatever entry was there,
+// including one under the name earlier versions used.
 class XdgAutostart : public LoginItemService {
 public:
     // Empty executable: the absolute path of the running binary.
@@ -18,6 +20,8 @@ public:
 
     // Where the entry lives, from the environment at the time of the call.
     static std::string entryPath();
+    // The name earlier versions wrote, removed when the entry is written or removed.
+    static std::string legacyEntryPath();
 
 private:
     std::string m_executable;
