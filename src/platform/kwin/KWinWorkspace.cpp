@@ -1,5 +1,8 @@
 #include "KWinWorkspace.h"
 
+#include "ProcStat.h"
+#include "ProcessSignals.h"
+
 #include <signal.h>
 #include <unistd.h>
 
@@ -37,19 +40,20 @@ bool KWinRunningApplication::hide()
 
 bool KWinRunningApplication::terminate()
 {
-    if (!x11::processIsAlive(m_state.pid))
-        return false;
+    const auto intended = m_workspace.intendedStartTime(m_state.pid, m_state.startTime);
+    const auto now = x11::readProcStat(m_state.pid);
+    if (!now || now->isZombie() || (intended && now->startTime != *intended))
+        return false; // gone, or the pid is another process's by now: not its windows
     if (m_workspace.closeProcessWindows(m_state.pid))
         return true;
     // No window the app could close politely: a termination request it may handle.
-    return ::kill(m_state.pid, SIGTERM) == 0;
+    return x11::signalListedProcess(m_state.pid, SIGTERM, intended);
 }
 
 bool KWinRunningApplication::forceTerminate()
 {
-    if (m_state.pid <= 1 || m_state.pid == static_cast<std::int32_t>(::getpid()))
-        return false;
-    return ::kill(m_state.pid, SIGKILL) == 0;
+    return x11::signalListedProcess(m_state.pid, SIGKILL,
+                                    m_workspace.intendedStartTime(m_state.pid, m_state.startTime));
 }
 
 bool KWinRunningApplication::activate(unsigned options)
@@ -105,6 +109,13 @@ std::string KWinWorkspace::activeWindow(const std::vector<PlasmaWindowInfo>& win
     return m_lastForeignActive;
 }
 
+std::optional<std::uint64_t> KWinWorkspace::intendedStartTime(std::int32_t pid,
+                                                             std::optional<std::uint64_t> seen) const
+{
+    const auto listed = m_listedStartTimes.find(pid);
+    return listed != m_listedStartTimes.end() ? std::optional<std::uint64_t>(listed->second) : seen;
+}
+
 std::vector<RunningApplicationRef> KWinWorkspace::runningApplications()
 {
     // The listing ends a pass over the process table.
@@ -131,6 +142,8 @@ std::vector<RunningApplicationRef> KWinWorkspace::runningApplications()
     for (const std::int32_t pid : order) {
         KWinAppState state;
         state.pid = pid;
+        if (const auto stat = x11::readProcStat(pid))
+            state.startTime = stat->startTime;
         bool allHidden = true;
         for (const PlasmaWindowInfo* window : byPid[pid]) {
             if (!window->has(WindowState::skipTaskbar))
@@ -161,6 +174,12 @@ std::vector<RunningApplicationRef> KWinWorkspace::runningApplications()
         apps.push_back(std::make_shared<KWinRunningApplication>(*this, std::move(state)));
     }
     m_liveness.keepOnly(order);
+    // What the user sees is the latest listing; the commands act on those processes.
+    m_listedStartTimes.clear();
+    for (const RunningApplicationRef& app : apps) {
+        if (const auto start = static_cast<const KWinRunningApplication&>(*app).startTime())
+            m_listedStartTimes.emplace(app->processIdentifier(), *start);
+    }
     return apps;
 }
 

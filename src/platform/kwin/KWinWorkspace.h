@@ -7,7 +7,9 @@
 #include "ThemedIcons.h"
 #include "platform/Workspace.h"
 
+#include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace stowly::kwin {
@@ -23,6 +25,7 @@ struct KWinAppState {
     AppIconRef icon;
     bool hidden = false;
     bool active = false;
+    std::optional<std::uint64_t> startTime; // of the process, when this state was read
 };
 
 class KWinRunningApplication : public RunningApplication {
@@ -38,6 +41,7 @@ public:
     AppIconRef icon() const override { return m_state.icon; }
     bool isHidden() const override { return m_state.hidden; }
     bool isActive() const override { return m_state.active; }
+    std::optional<std::uint64_t> startTime() const { return m_state.startTime; }
 
     bool hide() override;
     bool terminate() override;
@@ -68,6 +72,9 @@ public:
     std::vector<PlasmaWindowInfo> windowsOf(std::int32_t pid);
 
     bool isProcessAlive(std::int32_t pid) { return m_liveness.isAlive(pid); }
+    // The start time of the process the last listing showed under pid (what the user acts
+    // on), else `seen`: a signal never reaches a process that took the pid over since.
+    std::optional<std::uint64_t> intendedStartTime(std::int32_t pid, std::optional<std::uint64_t> seen) const;
     bool hideProcess(std::int32_t pid);
     bool activateProcess(std::int32_t pid);
     bool closeProcessWindows(std::int32_t pid);
@@ -84,6 +91,7 @@ private:
     x11::ThemedIcons m_themedIcons;
     x11::ProcessLiveness m_liveness;
     std::string m_lastForeignActive;
+    std::unordered_map<std::int32_t, std::uint64_t> m_listedStartTimes;
     bool m_passOpen = false;
     std::vector<RunningApplicationRef> m_passApps;
     bool m_havePassApps = false;

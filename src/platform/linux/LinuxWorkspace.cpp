@@ -20,18 +20,6 @@ namespace {
 constexpr auto kPassSnapshotLifetime = std::chrono::seconds(1);
 constexpr int kMaxAncestorDepth = 128;
 
-// A refused signal answers false like any failed request; the log says why.
-bool signalled(std::int32_t pid, int signal, std::optional<std::uint64_t> startTime)
-{
-    const SignalVerdict verdict = sendSignalGuarded(pid, signal, startTime);
-    if (verdict == SignalVerdict::sent)
-        return true;
-    if (verdict != SignalVerdict::gone)
-        qWarning("Stowly: no signal %d to process %d: %s", signal, static_cast<int>(pid),
-                 describeSignalVerdict(verdict));
-    return false;
-}
-
 } // namespace
 
 // ---- LinuxRunningApplication -------------------------------------------------------
@@ -55,12 +43,12 @@ bool LinuxRunningApplication::terminate()
     if (m_workspace.closeProcessWindows(m_state.pid))
         return true;
     // No window the app could close politely: a termination request it may handle.
-    return signalled(m_state.pid, SIGTERM, intended);
+    return signalListedProcess(m_state.pid, SIGTERM, intended);
 }
 
 bool LinuxRunningApplication::forceTerminate()
 {
-    return signalled(m_state.pid, SIGKILL, m_workspace.intendedStartTime(m_state.pid, m_state.startTime));
+    return signalListedProcess(m_state.pid, SIGKILL, m_workspace.intendedStartTime(m_state.pid, m_state.startTime));
 }
 
 bool LinuxRunningApplication::activate(unsigned options)

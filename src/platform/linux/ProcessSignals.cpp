@@ -135,4 +135,15 @@ SignalVerdict sendSignalGuarded(std::int32_t pid, int signal, std::optional<std:
     return errno == ESRCH ? SignalVerdict::gone : SignalVerdict::failed;
 }
 
+bool signalListedProcess(std::int32_t pid, int signal, std::optional<std::uint64_t> expectedStartTime)
+{
+    const SignalVerdict verdict = sendSignalGuarded(pid, signal, expectedStartTime);
+    if (verdict == SignalVerdict::sent)
+        return true;
+    if (verdict != SignalVerdict::gone)
+        qWarning("Stowly: no signal %d to process %d: %s", signal, static_cast<int>(pid),
+                 describeSignalVerdict(verdict));
+    return false;
+}
+
 } // namespace stowly::x11

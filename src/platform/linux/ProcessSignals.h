@@ -52,4 +52,8 @@ SignalVerdict judgeSignalTarget(const SignalSender& sender, const SignalTarget& 
 // lost). Where pidfds are missing (kernels before 5.3) plain kill() follows the checks.
 SignalVerdict sendSignalGuarded(std::int32_t pid, int signal, std::optional<std::uint64_t> expectedStartTime);
 
+// sendSignalGuarded for a workspace request: a refused signal answers false like any failed
+// request, and the log says why (a process that is simply gone is not worth a line).
+bool signalListedProcess(std::int32_t pid, int signal, std::optional<std::uint64_t> expectedStartTime);
+
 } // namespace stowly::x11
