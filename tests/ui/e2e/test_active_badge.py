@@ -2,7 +2,7 @@
 """The app the user was working in keeps its "Active" badge while Stowly's panel, which
 takes the input focus, is open; a real change of active app (Open from a row's menu)
 moves the badge. Rows are read through assistive technology (AT-SPI): a row's name is
-"<app>, <status> • RAM: <memory>".
+"<app>, <status>, RAM: <memory>".
 
 Usage: test_active_badge.py STOWLY_BINARY SCREENSHOT_DIR"""
 
@@ -29,7 +29,7 @@ def row_status(stowly, app_name):
     prefix = app_name + ", "
     for name in stowly.names("list item"):
         if name and name.startswith(prefix):
-            return name[len(prefix):].split(" ", 1)[0]
+            return name[len(prefix):].split(",", 1)[0].strip()
     return None
 
 
