@@ -3,6 +3,9 @@
 #include "PanelViewModel.h"
 #include "PanelWindow.h"
 #include "StatusIcon.h"
+#if defined(STOWLY_UI_STATUS_NOTIFIER)
+#include "StatusNotifierItem.h"
+#endif
 #include "StowlyViews.h"
 #include "ViewTexts.h"
 
@@ -38,12 +41,29 @@ TrayController::~TrayController()
 
 void TrayController::showTrayIcon()
 {
+#if defined(STOWLY_UI_STATUS_NOTIFIER)
+    if (StatusNotifierItem::isHostAvailable()) {
+        m_item = new StatusNotifierItem(QStringLiteral("app.stowly.Stowly"), ViewTexts::productName,
+                                        {StatusIcon::render(1), StatusIcon::render(2)}, this);
+        connect(m_item, &StatusNotifierItem::activated, this, &TrayController::togglePanelAt);
+        connect(m_item, &StatusNotifierItem::contextMenuRequested, this, &TrayController::togglePanelAt);
+        if (m_item->registerItem())
+            return;
+        delete m_item;
+        m_item = nullptr;
+    }
+#endif
     m_tray->show();
 }
 
 void TrayController::togglePanel()
 {
     m_panel->toggle(trayAnchor());
+}
+
+void TrayController::togglePanelAt(QPoint position)
+{
+    m_panel->toggle(QRect(position - QPoint(9, 9), QSize(18, 18)));
 }
 
 QRect TrayController::trayAnchor() const

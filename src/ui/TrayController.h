@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QPoint>
 #include <QRect>
 
 #include <functional>
@@ -11,6 +12,7 @@ class QSystemTrayIcon;
 namespace stowly {
 
 class PanelWindow;
+class StatusNotifierItem;
 class StowlyViews;
 
 // The program's presence on the desktop: the tray icon, the panel it opens and the
@@ -24,6 +26,8 @@ public:
 
     void showTrayIcon();
     void togglePanel();
+    // Opens or closes the panel under a point the tray host gave (the click position).
+    void togglePanelAt(QPoint position);
     // Opens the settings window, or brings it forward and focuses it when it is open.
     void openSettings();
 
@@ -39,6 +43,8 @@ private:
 
     StowlyViews& m_views;
     QSystemTrayIcon* m_tray;
+    // Used instead of m_tray where a StatusNotifierItem host listens: it keeps the click position.
+    StatusNotifierItem* m_item = nullptr;
     PanelWindow* m_panel;
     QQuickView* m_settings = nullptr;
     std::function<void()> m_activateBeforeSettings;

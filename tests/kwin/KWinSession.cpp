@@ -30,6 +30,18 @@ std::string firstLine(const std::string& text)
     return text.substr(0, text.find('\n'));
 }
 
+// dbus-daemon may warn on the same stream (an fd limit it cannot raise); the address is
+// the line that names a socket.
+std::string busAddress(const std::string& output)
+{
+    std::istringstream lines(output);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.rfind("unix:", 0) == 0)
+            return line;
+    }
+    return {};
+}
+
 } // namespace
 
 KWinSession::KWinSession(const std::string& buildDir, bool grantSelf)
@@ -65,11 +77,11 @@ KWinSession::KWinSession(const std::string& buildDir, bool grantSelf)
 
     const std::string busAddressFile = m_root + "/bus-address";
     m_dbus = tb::spawn({"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1"}, busAddressFile);
-    if (!tb::waitUntil([&] { return !firstLine(tb::readText(busAddressFile)).empty(); }, 10s)) {
+    if (!tb::waitUntil([&] { return !busAddress(tb::readText(busAddressFile)).empty(); }, 10s)) {
         m_error = "dbus-daemon did not start";
         return;
     }
-    setenv("DBUS_SESSION_BUS_ADDRESS", firstLine(tb::readText(busAddressFile)).c_str(), 1);
+    setenv("DBUS_SESSION_BUS_ADDRESS", busAddress(tb::readText(busAddressFile)).c_str(), 1);
 
     // The installed binary carries file capabilities that a sandbox may refuse to exec; a copy
     // carries none.

@@ -1,12 +1,17 @@
 // A native Wayland test client for the KWin tests: one window with a known title, and on
 // request a dialog (a transient child) or a window that refuses to close.
-//   stowly_wltestwin --title T [--dialog] [--refuse-close]
+//   stowly_wltestwin --title T [--dialog] [--refuse-close] [--windows N]
+// With --windows N it opens N windows titled "T 1" ... "T N" (for the benchmarks).
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QPainter>
 #include <QRasterWindow>
 
+#include <algorithm>
 #include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <vector>
 #include <cstring>
 
 namespace {
@@ -37,6 +42,7 @@ int main(int argc, char* argv[])
     QString title = QStringLiteral("stowly test window");
     bool withDialog = false;
     bool refuseClose = false;
+    int windowCount = 1;
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--title") == 0 && i + 1 < argc)
             title = QString::fromUtf8(argv[++i]);
@@ -44,6 +50,18 @@ int main(int argc, char* argv[])
             withDialog = true;
         else if (std::strcmp(argv[i], "--refuse-close") == 0)
             refuseClose = true;
+        else if (std::strcmp(argv[i], "--windows") == 0 && i + 1 < argc)
+            windowCount = std::max(1, std::atoi(argv[++i]));
+    }
+    if (windowCount > 1) {
+        std::vector<std::unique_ptr<TestWindow>> windows;
+        for (int n = 1; n <= windowCount; ++n) {
+            windows.push_back(std::make_unique<TestWindow>());
+            windows.back()->setTitle(title + QStringLiteral(" %1").arg(n));
+            windows.back()->resize(120, 80);
+            windows.back()->show();
+        }
+        return app.exec();
     }
     TestWindow window;
     window.refuseClose = refuseClose;
