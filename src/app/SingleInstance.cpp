@@ -37,7 +37,11 @@ QString SingleInstance::socketPath()
     // XDG_RUNTIME_DIR is private to the user; without it, the user id keeps users apart.
     QString directory = qEnvironmentVariable("XDG_RUNTIME_DIR");
     QString name = QStringLiteral("app.stowly.Stowly-%1.socket").arg(sessionTag());
-    if (directory.isEmpty() || !QDir(directory).exists()) {
+    // A socket path must fit sockaddr_un's 108 bytes; a runtime folder that deep is rare,
+    // but then the temporary folder, with the user id, serves instead.
+    constexpr qsizetype kMaxSocketPath = 107;
+    if (directory.isEmpty() || !QDir(directory).exists() ||
+        QDir(directory).filePath(name).toLocal8Bit().size() > kMaxSocketPath) {
         directory = QDir::tempPath();
         name = QStringLiteral("app.stowly.Stowly-%1-%2.socket").arg(::getuid()).arg(sessionTag());
     }

@@ -21,7 +21,12 @@ std::string startupLog(const std::string& program, const std::string& name)
     const int pid = tb::spawn({program}, log);
     unsetenv("DISPLAY");
     unsetenv("XDG_CURRENT_DESKTOP");
-    tb::waitUntil([&] { return tb::readText(log).find("stowly:") != std::string::npos; }, 10s);
+    // Other lines may come first (the single-instance socket, say): wait for the choice itself.
+    tb::waitUntil([&] {
+        const std::string text = tb::readText(log);
+        return text.find("Wayland session on KWin") != std::string::npos ||
+               text.find("using X11 through Xwayland") != std::string::npos;
+    }, 10s);
     const bool stillRunning = !tb::processGone(pid);
     tb::kill(pid);
     return tb::readText(log) + (stillRunning ? "" : "\n(exited early)");
