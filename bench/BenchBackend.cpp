@@ -1,6 +1,6 @@
 #include "BenchBackend.h"
 
-#include "LinuxPlatform.h"
+#include "X11Platform.h"
 
 namespace stowly::bench {
 
@@ -11,7 +11,7 @@ public:
     Platform& platform() override { return m_linux.platform(); }
 
 private:
-    x11::LinuxPlatform m_linux;
+    x11::X11Platform m_linux;
 };
 
 } // namespace

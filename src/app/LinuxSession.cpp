@@ -1,7 +1,7 @@
 #include "LinuxSession.h"
 
 #include "KWinPlatform.h"
-#include "LinuxPlatform.h"
+#include "X11Platform.h"
 #include "PlasmaWindowManagement.h"
 #include "WaylandConnection.h"
 #include "XConnection.h"
@@ -50,7 +50,7 @@ LinuxSession::LinuxSession()
         std::fprintf(stderr, "stowly: this Wayland compositor offers no window management that Stowly speaks; "
                              "using X11 through Xwayland, which reaches only the apps that run through it\n");
     }
-    m_x11 = std::make_unique<x11::LinuxPlatform>();
+    m_x11 = std::make_unique<x11::X11Platform>();
 }
 
 LinuxSession::~LinuxSession() = default;

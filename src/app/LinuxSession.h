@@ -5,7 +5,7 @@
 #include <memory>
 
 namespace stowly::x11 {
-class LinuxPlatform;
+class X11Platform;
 }
 namespace stowly::kwin {
 class KWinPlatform;
@@ -39,7 +39,7 @@ public:
 private:
     WindowSystem m_windowSystem = WindowSystem::x11;
     std::unique_ptr<kwin::KWinPlatform> m_kwin;
-    std::unique_ptr<x11::LinuxPlatform> m_x11;
+    std::unique_ptr<x11::X11Platform> m_x11;
 };
 
 } // namespace stowly

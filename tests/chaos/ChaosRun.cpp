@@ -8,7 +8,7 @@
 // Every random choice comes from the seed: a failing round prints it for a replay.
 
 #include "AppModel.h"
-#include "LinuxPlatform.h"
+#include "X11Platform.h"
 #include "Observer.h"
 #include "TestBed.h"
 
@@ -133,7 +133,7 @@ private:
     std::mt19937_64 m_rng;
     tb::Display& m_display;
     Observer m_observer;
-    x11::LinuxPlatform m_linux;
+    x11::X11Platform m_linux;
     AppModel m_model;
     int m_wmPid = -1;
     std::map<int, ChaosApp> m_apps;

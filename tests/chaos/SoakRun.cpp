@@ -9,7 +9,7 @@
 //       whether the list it gives is right.
 
 #include "AppModel.h"
-#include "LinuxPlatform.h"
+#include "X11Platform.h"
 #include "Observer.h"
 #include "TestBed.h"
 #include "XConnection.h"
@@ -160,7 +160,7 @@ int soak(long ticks, int appCount, const std::string& csvPath, const std::string
     tb::Display display;
     if (!display.ok())
         return 1;
-    x11::LinuxPlatform linux_(display.name());
+    x11::X11Platform linux_(display.name());
     AppModel model(linux_.platform());
     std::mt19937 rng(4242);
     std::vector<int> apps;
@@ -266,7 +266,7 @@ int scale(int windows, int processes, int idle)
     tb::Display display(true, {"-maxclients", "1024"});
     if (!display.ok())
         return 1;
-    x11::LinuxPlatform linux_(display.name());
+    x11::X11Platform linux_(display.name());
     AppModel model(linux_.platform());
     std::vector<int> apps;
     for (int i = 0; i < processes; ++i) {

@@ -12,7 +12,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-using namespace stowly::x11;
+using namespace stowly::linuxdesktop;
 
 namespace {
 

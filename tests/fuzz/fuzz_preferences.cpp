@@ -39,7 +39,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         std::ofstream out(g_file, std::ios::binary | std::ios::trunc);
         out.write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
     }
-    x11::SettingsPreferenceStore store;
+    linuxdesktop::SettingsPreferenceStore store;
     const DefaultAction preferred = AppPreferences::preferredDefaultAction(store);
     const ActionSet enabled = ActionSettings::enabledActions(store);
     const auto items = ActionSettings::pickerItems(store);

@@ -28,7 +28,7 @@ xcb_atom_t typeFor(std::uint8_t selector)
 void checkText(const std::optional<std::string>& text)
 {
     if (text)
-        STOWLY_FUZZ_CHECK(isValidUtf8(*text));
+        STOWLY_FUZZ_CHECK(stowly::linuxdesktop::isValidUtf8(*text));
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 // What "Open System Settings" opens on X11: the running window manager's settings
 // program, found by the name on its EWMH check window, when it is installed.
 
-#include "LinuxPlatform.h"
+#include "X11Platform.h"
 #include "TestBed.h"
 #include "WindowManagerSettings.h"
 
@@ -92,7 +92,7 @@ TEST(WindowManagerSettingsChoice, KdeTakesTheFirstInstalledSystemSettings)
 TEST(WindowManagerSettingsOnOpenbox, OffersAndStartsObconfOnlyWhenInstalled)
 {
     ASSERT_TRUE(sharedDisplay().ok());
-    x11::LinuxPlatform linux_;
+    x11::X11Platform linux_;
     AccessSettings& settings = linux_.platform().accessSettings;
 
     const std::string folder = dirs().root + "/wm-settings-bin";

@@ -2,7 +2,7 @@
 // process stands in for Stowly: a window it owns is one of "our" windows. Every step is
 // checked against _NET_ACTIVE_WINDOW as xprop reads it.
 
-#include "LinuxPlatform.h"
+#include "X11Platform.h"
 #include "OwnWindow.h"
 #include "TestBed.h"
 
@@ -66,7 +66,7 @@ void setActiveWindowProperty(std::uint32_t value, bool asRoot)
 class ActiveApp : public ::testing::Test {
 protected:
     void SetUp() override { ASSERT_TRUE(sharedDisplay().ok()); }
-    x11::LinuxPlatform linux_;
+    x11::X11Platform linux_;
     Platform& p = linux_.platform();
     Apps apps;
 };

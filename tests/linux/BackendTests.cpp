@@ -1,7 +1,7 @@
 // The Linux backend on a real X server, window manager and apps: every answer of ours is
 // compared with what xprop, wmctrl and /proc say.
 
-#include "LinuxPlatform.h"
+#include "X11Platform.h"
 #include "NetWmIcon.h"
 #include "ProcFs.h"
 #include "TestBed.h"
@@ -72,7 +72,7 @@ std::optional<std::string> axString(Accessibility& ax, const AXElementRef& e, co
 class Backend : public ::testing::Test {
 protected:
     void SetUp() override { ASSERT_TRUE(sharedDisplay().ok()); }
-    x11::LinuxPlatform linux_;
+    x11::X11Platform linux_;
     Platform& p = linux_.platform();
     Apps apps;
 };
@@ -89,7 +89,7 @@ TEST(BareServer, NotTrustedWithoutWindowManagerAndSurvivesLostConnection)
 {
     Display bare(false);
     ASSERT_TRUE(bare.ok());
-    x11::LinuxPlatform linux_(bare.name());
+    x11::X11Platform linux_(bare.name());
     Platform& p = linux_.platform();
     EXPECT_FALSE(p.trust.isProcessTrusted(false));
     EXPECT_TRUE(p.workspace.runningApplications().empty());
@@ -116,7 +116,7 @@ TEST_F(Backend, ElementsOfALostConnectionAnswerCannotComplete)
     } restore;
     Display other(true);
     ASSERT_TRUE(other.ok());
-    x11::LinuxPlatform remote(other.name());
+    x11::X11Platform remote(other.name());
     Apps local;
     const int pid = local.startTestWindow("lost-connection window");
     ASSERT_TRUE(waitUntil([&] { return !wmctrlWindows(other.name()).empty(); }, 15s))
@@ -313,10 +313,10 @@ TEST(NetWmIcon, DecodesRobustly)
 
 TEST(TextUtil, NeverPassesInvalidUtf8)
 {
-    EXPECT_EQ(x11::latin1OrUtf8ToUtf8("Gr\xfc\xdf"), "Gr\xc3\xbc\xc3\x9f");
-    EXPECT_EQ(x11::latin1OrUtf8ToUtf8("caf\xc3\xa9"), "caf\xc3\xa9");
-    EXPECT_EQ(x11::sanitizeUtf8("a\xff" "b\xed\xa0\x80"), "a\xef\xbf\xbd" "b\xef\xbf\xbd\xef\xbf\xbd\xef\xbf\xbd");
-    EXPECT_TRUE(x11::isValidUtf8(x11::sanitizeUtf8("\xc0\xaf\xf5\x80")));
+    EXPECT_EQ(linuxdesktop::latin1OrUtf8ToUtf8("Gr\xfc\xdf"), "Gr\xc3\xbc\xc3\x9f");
+    EXPECT_EQ(linuxdesktop::latin1OrUtf8ToUtf8("caf\xc3\xa9"), "caf\xc3\xa9");
+    EXPECT_EQ(linuxdesktop::sanitizeUtf8("a\xff" "b\xed\xa0\x80"), "a\xef\xbf\xbd" "b\xef\xbf\xbd\xef\xbf\xbd\xef\xbf\xbd");
+    EXPECT_TRUE(linuxdesktop::isValidUtf8(linuxdesktop::sanitizeUtf8("\xc0\xaf\xf5\x80")));
 }
 
 TEST_F(Backend, GarbagePropertiesAndNonUtf8TitlesAreHarmless)
@@ -340,7 +340,7 @@ TEST_F(Backend, GarbagePropertiesAndNonUtf8TitlesAreHarmless)
     ASSERT_EQ(windows.size(), 1u);
     const auto axTitle = axString(p.accessibility, windows[0], "AXTitle");
     ASSERT_TRUE(axTitle);
-    EXPECT_TRUE(x11::isValidUtf8(*axTitle));
+    EXPECT_TRUE(linuxdesktop::isValidUtf8(*axTitle));
     EXPECT_EQ(axString(p.accessibility, windows[0], kAXRoleAttribute), "AXWindow");
     AXValue value;
     // Its WM_PROTOCOLS is junk: no close button, so nothing can kill it by accident.
@@ -601,7 +601,7 @@ TEST_F(Backend, MemoryCountersMatchProc)
     ASSERT_GT(table.listAllPids(nullptr, 0), 0);
     EXPECT_NE(table.pidRusage(zombie, usage), 0);
     EXPECT_NE(table.pidTaskInfo(zombie, task), kTaskInfoSize);
-    EXPECT_FALSE(x11::processIsAlive(zombie));
+    EXPECT_FALSE(linuxdesktop::processIsAlive(zombie));
 
     // Kernel threads (kthreadd is pid 2 where the kernel's threads are visible) have no memory.
     if (readText("/proc/2/status").find("Name:\tkthreadd") != std::string::npos) {
@@ -612,9 +612,9 @@ TEST_F(Backend, MemoryCountersMatchProc)
 
 TEST(LoginItem, WritesStatusAndRemovesTheAutostartEntry)
 {
-    x11::XdgAutostart login;
+    linuxdesktop::XdgAutostart login;
     const std::string path = dirs().configHome + "/autostart/app.stowly.Stowly.desktop";
-    ASSERT_EQ(x11::XdgAutostart::entryPath(), path);
+    ASSERT_EQ(linuxdesktop::XdgAutostart::entryPath(), path);
     login.unregisterMainApp();
     EXPECT_EQ(login.status(), LoginItemStatus::notRegistered);
     EXPECT_EQ(login.registerMainApp(), std::nullopt);
@@ -649,32 +649,32 @@ TEST(LoginItem, QuotesAnExecutablePathWithSpacesAndQuotes)
 {
     // Desktop Entry rules: a quoted argument escapes '"' as \", and the file format
     // doubles every backslash once more.
-    x11::XdgAutostart login("/opt/my apps/st\"owly 100%");
+    linuxdesktop::XdgAutostart login("/opt/my apps/st\"owly 100%");
     ASSERT_EQ(login.registerMainApp(), std::nullopt);
-    const std::string text = readText(x11::XdgAutostart::entryPath());
+    const std::string text = readText(linuxdesktop::XdgAutostart::entryPath());
     EXPECT_NE(text.find("\nExec=\"/opt/my apps/st\\\\\"owly 100%%\"\n"), std::string::npos) << text;
     EXPECT_EQ(login.unregisterMainApp(), std::nullopt);
 }
 
 TEST(LoginItem, ReplacesAnOldEntryInsteadOfAddingASecond)
 {
-    const std::string legacy = x11::XdgAutostart::legacyEntryPath();
-    ASSERT_NE(legacy, x11::XdgAutostart::entryPath());
+    const std::string legacy = linuxdesktop::XdgAutostart::legacyEntryPath();
+    ASSERT_NE(legacy, linuxdesktop::XdgAutostart::entryPath());
     {
         std::ofstream(legacy) << "[Desktop Entry]\nType=Application\nName=Stowly\nExec=/old/place/stowly\n";
     }
-    x11::XdgAutostart login("/usr/bin/stowly");
+    linuxdesktop::XdgAutostart login("/usr/bin/stowly");
     EXPECT_EQ(login.status(), LoginItemStatus::enabled) << "an old version's entry still starts it";
     ASSERT_EQ(login.registerMainApp(), std::nullopt);
     struct stat st {};
     EXPECT_NE(stat(legacy.c_str(), &st), 0) << "the old entry is gone";
-    const std::string text = readText(x11::XdgAutostart::entryPath());
+    const std::string text = readText(linuxdesktop::XdgAutostart::entryPath());
     EXPECT_NE(text.find("\nExec=/usr/bin/stowly\n"), std::string::npos) << text;
     EXPECT_EQ(text.find("/old/place"), std::string::npos);
     // Registering again rewrites the one entry; a second path replaces the first.
-    x11::XdgAutostart moved("/home/me/build/bin/stowly");
+    linuxdesktop::XdgAutostart moved("/home/me/build/bin/stowly");
     ASSERT_EQ(moved.registerMainApp(), std::nullopt);
-    const std::string again = readText(x11::XdgAutostart::entryPath());
+    const std::string again = readText(linuxdesktop::XdgAutostart::entryPath());
     EXPECT_NE(again.find("\nExec=/home/me/build/bin/stowly\n"), std::string::npos) << again;
     EXPECT_EQ(again.find("/usr/bin/stowly"), std::string::npos);
     EXPECT_EQ(moved.unregisterMainApp(), std::nullopt);
@@ -688,7 +688,7 @@ TEST(LoginItem, FailuresCarryTheSystemErrorText)
     mkdir(broken.c_str(), 0700);
     std::ofstream(broken + "/autostart") << "a file where the directory should be\n";
     setenv("XDG_CONFIG_HOME", broken.c_str(), 1);
-    x11::XdgAutostart login;
+    linuxdesktop::XdgAutostart login;
     EXPECT_EQ(login.registerMainApp(), std::optional<std::string>("Not a directory"));
     EXPECT_EQ(login.unregisterMainApp(), std::optional<std::string>("Not a directory"));
     EXPECT_EQ(login.status(), LoginItemStatus::notRegistered);
@@ -698,7 +698,7 @@ TEST(LoginItem, FailuresCarryTheSystemErrorText)
 TEST(Preferences, StoredInQSettingsUnderTheConfigHome)
 {
     {
-        x11::LinuxPlatform linux_;
+        x11::X11Platform linux_;
         PreferenceStore& store = linux_.platform().preferences;
         EXPECT_EQ(store.string("neverWritten"), std::nullopt);
         store.setString("defaultAction", "hide");
@@ -708,12 +708,12 @@ TEST(Preferences, StoredInQSettingsUnderTheConfigHome)
     }
     const std::string file = readText(dirs().configHome + "/Stowly/Stowly.conf");
     EXPECT_NE(file.find("defaultAction=hide"), std::string::npos) << file;
-    x11::LinuxPlatform again;
+    x11::X11Platform again;
     EXPECT_EQ(again.platform().preferences.string("enabledActions"), "closeWindows,hide");
 }
 
 TEST(UrlOpener, AnswersFalseWithoutAGuiApplication)
 {
-    x11::LinuxPlatform linux_;
+    x11::X11Platform linux_;
     EXPECT_FALSE(linux_.platform().urlOpener.openUrl("https://example.org/"));
 }

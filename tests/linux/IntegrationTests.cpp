@@ -3,7 +3,7 @@
 
 #include "AppModel.h"
 #include "AppPreferences.h"
-#include "LinuxPlatform.h"
+#include "X11Platform.h"
 #include "OwnWindow.h"
 #include "TestBed.h"
 #include "WindowMinimizer.h"
@@ -121,7 +121,7 @@ TEST_F(Integration, MinimizeAllIconifiesStandardWindowsOnly)
 {
     OwnWindow own("desk-own");
     ASSERT_TRUE(waitForWindowTitled("desk-own"));
-    x11::LinuxPlatform linux_;
+    x11::X11Platform linux_;
     AppModel model(linux_.platform());
     EXPECT_TRUE(model.hasAccessibilityPermission());
 
@@ -144,7 +144,7 @@ TEST_F(Integration, MinimizeAllIconifiesStandardWindowsOnly)
 
 TEST_F(Integration, CloseAllClosesWhatCanBeClosedPolitely)
 {
-    x11::LinuxPlatform linux_;
+    x11::X11Platform linux_;
     AppModel model(linux_.platform());
     const bool logoCloses = supportsDelete(desk.logoWindow);
     ASSERT_FALSE(supportsDelete(desk.noDeleteWindow));
@@ -170,7 +170,7 @@ TEST_F(Integration, CloseAllClosesWhatCanBeClosedPolitely)
 
 TEST_F(Integration, HideAllThenOpenOneBringsItBackActive)
 {
-    x11::LinuxPlatform linux_;
+    x11::X11Platform linux_;
     AppModel model(linux_.platform());
     model.hideAllApps();
     EXPECT_EQ(model.lastResultMessage(), QStringLiteral("Hid 6 apps."));
@@ -222,7 +222,7 @@ TEST_F(Integration, ForceQuitAllKillsManagedAppsOnly)
 {
     OwnWindow own("desk-own");
     ASSERT_TRUE(waitForWindowTitled("desk-own"));
-    x11::LinuxPlatform linux_;
+    x11::X11Platform linux_;
     AppModel model(linux_.platform());
     for (const auto& app : model.runningApps())
         EXPECT_NE(app.id, static_cast<int>(getpid())) << "the program never lists itself";
@@ -246,7 +246,7 @@ TEST_F(Integration, WindowsVanishingDuringBulkActions)
 {
     const int churn = desk.apps.startTestWindow("desk-churn", {"--churn", "--class", "deskchurn", "DeskChurn"});
     ASSERT_TRUE(waitForWindowTitled("desk-churn"));
-    x11::LinuxPlatform linux_;
+    x11::X11Platform linux_;
     AppModel model(linux_.platform());
     const QRegularExpression outcome(
         QStringLiteral("^(Minimized \\d+ windows?\\.|No minimizable windows were found\\.|"
@@ -332,7 +332,7 @@ TEST(OpenApps, ListNamesStatesOrderAndMemory)
         return false;
     }));
 
-    x11::LinuxPlatform linux_;
+    x11::X11Platform linux_;
     AppModel model(linux_.platform());
     model.refreshSnapshot();
     const auto& list = model.runningApps();
@@ -411,7 +411,7 @@ TEST(OpenApps, ListNamesStatesOrderAndMemory)
 TEST(ModelSettings, PreferencesSurviveARestartOfTheModel)
 {
     {
-        x11::LinuxPlatform linux_;
+        x11::X11Platform linux_;
         AppModel model(linux_.platform());
         AppPreferences::storeDefaultAction(linux_.platform().preferences, QStringLiteral("closeWindows"));
         AppPreferences::storeEnabledActions(linux_.platform().preferences,
@@ -419,7 +419,7 @@ TEST(ModelSettings, PreferencesSurviveARestartOfTheModel)
     }
     const std::string file = readText(dirs().configHome + "/Stowly/Stowly.conf");
     EXPECT_NE(file.find("defaultAction=closeWindows"), std::string::npos) << file;
-    x11::LinuxPlatform linux_;
+    x11::X11Platform linux_;
     AppModel model(linux_.platform());
     EXPECT_EQ(model.preferredDefaultAction(), DefaultAction::closeWindows);
     EXPECT_EQ(AppPreferences::storedEnabledActions(linux_.platform().preferences), QStringLiteral("closeWindows,hide"));
@@ -430,7 +430,7 @@ TEST(ModelSettings, LaunchAtLoginWritesAndRemovesTheAutostartEntry)
     const std::string path = dirs().configHome + "/autostart/app.stowly.Stowly.desktop";
     struct stat st {};
     {
-        x11::LinuxPlatform linux_;
+        x11::X11Platform linux_;
         AppModel model(linux_.platform());
         model.setLaunchAtLogin(true);
         EXPECT_EQ(model.lastResultMessage(), QStringLiteral("Stowly will launch automatically when you sign in."));
@@ -438,7 +438,7 @@ TEST(ModelSettings, LaunchAtLoginWritesAndRemovesTheAutostartEntry)
         EXPECT_EQ(stat(path.c_str(), &st), 0);
     }
     {
-        x11::LinuxPlatform linux_;
+        x11::X11Platform linux_;
         AppModel model(linux_.platform());
         EXPECT_TRUE(model.launchesAtLogin()) << "read back at start";
         model.setLaunchAtLogin(false);
@@ -452,7 +452,7 @@ TEST(ModelSettings, LaunchAtLoginWritesAndRemovesTheAutostartEntry)
     std::ofstream(broken + "/autostart") << "not a directory\n";
     setenv("XDG_CONFIG_HOME", broken.c_str(), 1);
     {
-        x11::LinuxPlatform linux_;
+        x11::X11Platform linux_;
         AppModel model(linux_.platform());
         model.setLaunchAtLogin(true);
         EXPECT_EQ(model.lastResultMessage(), QStringLiteral("Could not update launch at login: Not a directory"));

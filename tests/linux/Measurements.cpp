@@ -1,7 +1,7 @@
 // Figures, not assertions: what one refresh costs on the test bed.
 
 #include "AppModel.h"
-#include "LinuxPlatform.h"
+#include "X11Platform.h"
 #include "TestBed.h"
 #include "WindowMinimizer.h"
 #include "XConnection.h"
@@ -49,7 +49,7 @@ TEST(Measure, RefreshCost)
     apps.start({"xlogo", "-title", "measure-logo"});
     ASSERT_TRUE(waitForWindowCount("measure-", 6 + 18 + 1, 30s));
 
-    x11::LinuxPlatform linux_;
+    x11::X11Platform linux_;
     Platform& p = linux_.platform();
     WindowMinimizer minimizer(p.workspace, p.accessibility, p.processTable);
     AppModel model(p);

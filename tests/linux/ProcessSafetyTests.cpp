@@ -3,7 +3,7 @@
 // over the pid of the one listed. Checked on real processes and, where the decision
 // alone matters, on made-up ones.
 
-#include "LinuxPlatform.h"
+#include "X11Platform.h"
 #include "ProcStat.h"
 #include "ProcessSignals.h"
 #include "TestBed.h"
@@ -22,10 +22,10 @@
 
 using namespace stowly;
 using namespace stowly::testbed;
-using stowly::x11::ProcStat;
-using stowly::x11::SignalSender;
-using stowly::x11::SignalTarget;
-using stowly::x11::SignalVerdict;
+using stowly::linuxdesktop::ProcStat;
+using stowly::linuxdesktop::SignalSender;
+using stowly::linuxdesktop::SignalTarget;
+using stowly::linuxdesktop::SignalVerdict;
 
 namespace stowly::testbed {
 Display& sharedDisplay();
@@ -87,7 +87,7 @@ SignalTarget targetOf(std::int32_t pid, std::uint64_t start, std::uint32_t uid, 
 
 TEST(ProcStat, ParsesNamesWithSpacesAndParentheses)
 {
-    const auto stat = x11::parseProcStat(
+    const auto stat = linuxdesktop::parseProcStat(
         "4242 (a) b (c)) S 17 4242 17 34816 4242 4194304 1 2 3 4 5 6 7 8 20 0 1 0 987654321 1000 10 "
         "18446744073709551615 1 1 0 0 0 0 0 0 0 0 0 0 17 1 0 0 0 0 0\n");
     ASSERT_TRUE(stat);
@@ -106,55 +106,55 @@ TEST(ProcStat, RefusesWhatIsNotAStatLine)
                              "12 (x) S 1 1 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 99999999999999999999999",
                              "12 (x) S 1  1 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 5",
                              "99999999999 (x) S 1 1 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 5"})
-        EXPECT_FALSE(x11::parseProcStat(text)) << text;
-    EXPECT_TRUE(x11::parseProcStat("12 (x) S 1 1 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 5"));
+        EXPECT_FALSE(linuxdesktop::parseProcStat(text)) << text;
+    EXPECT_TRUE(linuxdesktop::parseProcStat("12 (x) S 1 1 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 5"));
 }
 
 TEST(ProcStat, ReadsThisProcess)
 {
-    const auto self = x11::readProcStat(static_cast<std::int32_t>(getpid()));
+    const auto self = linuxdesktop::readProcStat(static_cast<std::int32_t>(getpid()));
     ASSERT_TRUE(self);
     EXPECT_EQ(self->pid, getpid());
     EXPECT_EQ(self->ppid, getppid());
     EXPECT_EQ(self->pgrp, getpgrp());
     EXPECT_EQ(self->session, getsid(0));
     EXPECT_GT(self->startTime, 0u);
-    EXPECT_FALSE(x11::readProcStat(0));
-    EXPECT_FALSE(x11::readProcStat(-5));
+    EXPECT_FALSE(linuxdesktop::readProcStat(0));
+    EXPECT_FALSE(linuxdesktop::readProcStat(-5));
 }
 
 TEST(SignalJudgement, RefusesEveryoneButTheListedProcessOfOurUser)
 {
-    SignalSender me;
+    linuxdesktop::SignalSender me;
     me.pid = 500;
     me.parent = 400;
     me.group = 300;
     me.session = 200;
     me.uid = 1000;
-    EXPECT_EQ(judgeSignalTarget(me, targetOf(900, 77, 1000), 77), SignalVerdict::sent);
-    EXPECT_EQ(judgeSignalTarget(me, targetOf(900, 77, 1000), std::nullopt), SignalVerdict::sent);
+    EXPECT_EQ(linuxdesktop::judgeSignalTarget(me, targetOf(900, 77, 1000), 77), SignalVerdict::sent);
+    EXPECT_EQ(linuxdesktop::judgeSignalTarget(me, targetOf(900, 77, 1000), std::nullopt), SignalVerdict::sent);
     for (const std::int32_t pid : {1, 0, -1, -300})
-        EXPECT_EQ(judgeSignalTarget(me, targetOf(pid, 77, 1000), 77), SignalVerdict::notAProcess) << pid;
-    EXPECT_EQ(judgeSignalTarget(me, targetOf(500, 77, 1000), 77), SignalVerdict::ownProcess);
-    EXPECT_EQ(judgeSignalTarget(me, targetOf(400, 77, 1000), 77), SignalVerdict::parentProcess);
-    EXPECT_EQ(judgeSignalTarget(me, targetOf(300, 77, 1000), 77), SignalVerdict::ownGroupOrSession);
-    EXPECT_EQ(judgeSignalTarget(me, targetOf(200, 77, 1000), 77), SignalVerdict::ownGroupOrSession);
-    EXPECT_EQ(judgeSignalTarget(me, targetOf(900, 78, 1000), 77), SignalVerdict::replaced);
-    EXPECT_EQ(judgeSignalTarget(me, targetOf(900, 77, 0), 77), SignalVerdict::otherUser);
-    EXPECT_EQ(judgeSignalTarget(me, targetOf(900, 77, 1000, 'Z'), 77), SignalVerdict::gone);
+        EXPECT_EQ(linuxdesktop::judgeSignalTarget(me, targetOf(pid, 77, 1000), 77), SignalVerdict::notAProcess) << pid;
+    EXPECT_EQ(linuxdesktop::judgeSignalTarget(me, targetOf(500, 77, 1000), 77), SignalVerdict::ownProcess);
+    EXPECT_EQ(linuxdesktop::judgeSignalTarget(me, targetOf(400, 77, 1000), 77), SignalVerdict::parentProcess);
+    EXPECT_EQ(linuxdesktop::judgeSignalTarget(me, targetOf(300, 77, 1000), 77), SignalVerdict::ownGroupOrSession);
+    EXPECT_EQ(linuxdesktop::judgeSignalTarget(me, targetOf(200, 77, 1000), 77), SignalVerdict::ownGroupOrSession);
+    EXPECT_EQ(linuxdesktop::judgeSignalTarget(me, targetOf(900, 78, 1000), 77), SignalVerdict::replaced);
+    EXPECT_EQ(linuxdesktop::judgeSignalTarget(me, targetOf(900, 77, 0), 77), SignalVerdict::otherUser);
+    EXPECT_EQ(linuxdesktop::judgeSignalTarget(me, targetOf(900, 77, 1000, 'Z'), 77), SignalVerdict::gone);
 
-    SignalTarget setuidTarget = targetOf(900, 77, 1000);
+    linuxdesktop::SignalTarget setuidTarget = targetOf(900, 77, 1000);
     setuidTarget.effectiveUid = 0;   // ours by real uid, root by effective uid
-    EXPECT_EQ(judgeSignalTarget(me, setuidTarget, 77), SignalVerdict::otherUser);
-    SignalTarget unknownOwner = targetOf(900, 77, 1000);
+    EXPECT_EQ(linuxdesktop::judgeSignalTarget(me, setuidTarget, 77), SignalVerdict::otherUser);
+    linuxdesktop::SignalTarget unknownOwner = targetOf(900, 77, 1000);
     unknownOwner.realUid.reset();
-    EXPECT_EQ(judgeSignalTarget(me, unknownOwner, 77), SignalVerdict::otherUser);
-    SignalTarget unreadable = targetOf(900, 77, 1000);
+    EXPECT_EQ(linuxdesktop::judgeSignalTarget(me, unknownOwner, 77), SignalVerdict::otherUser);
+    linuxdesktop::SignalTarget unreadable = targetOf(900, 77, 1000);
     unreadable.stat.reset();
-    EXPECT_EQ(judgeSignalTarget(me, unreadable, 77), SignalVerdict::gone);
-    SignalTarget mislabelled = targetOf(900, 77, 1000);
+    EXPECT_EQ(linuxdesktop::judgeSignalTarget(me, unreadable, 77), SignalVerdict::gone);
+    linuxdesktop::SignalTarget mislabelled = targetOf(900, 77, 1000);
     mislabelled.stat->pid = 901;
-    EXPECT_EQ(judgeSignalTarget(me, mislabelled, 77), SignalVerdict::gone);
+    EXPECT_EQ(linuxdesktop::judgeSignalTarget(me, mislabelled, 77), SignalVerdict::gone);
 }
 
 TEST(SignalGuard, RealProcessesAreSignalledOnlyWhenTheyAreWhoWeListed)
@@ -162,26 +162,26 @@ TEST(SignalGuard, RealProcessesAreSignalledOnlyWhenTheyAreWhoWeListed)
     Apps apps;
     const int child = apps.start({"sleep", "100000"});
     ASSERT_GT(child, 0);
-    ASSERT_TRUE(waitUntil([&] { return x11::readProcStat(child).has_value(); }));
-    const auto stat = x11::readProcStat(child);
+    ASSERT_TRUE(waitUntil([&] { return linuxdesktop::readProcStat(child).has_value(); }));
+    const auto stat = linuxdesktop::readProcStat(child);
     ASSERT_TRUE(stat);
-    EXPECT_EQ(x11::sendSignalGuarded(child, SIGKILL, stat->startTime + 1), SignalVerdict::replaced);
+    EXPECT_EQ(linuxdesktop::sendSignalGuarded(child, SIGKILL, stat->startTime + 1), SignalVerdict::replaced);
     EXPECT_FALSE(processGone(child));
-    EXPECT_EQ(x11::sendSignalGuarded(getpid(), SIGKILL, std::nullopt), SignalVerdict::ownProcess);
-    EXPECT_EQ(x11::sendSignalGuarded(getppid(), SIGKILL, std::nullopt), SignalVerdict::parentProcess);
-    EXPECT_EQ(x11::sendSignalGuarded(0, SIGKILL, std::nullopt), SignalVerdict::notAProcess);
-    EXPECT_EQ(x11::sendSignalGuarded(1, SIGKILL, std::nullopt), SignalVerdict::notAProcess);
+    EXPECT_EQ(linuxdesktop::sendSignalGuarded(getpid(), SIGKILL, std::nullopt), SignalVerdict::ownProcess);
+    EXPECT_EQ(linuxdesktop::sendSignalGuarded(getppid(), SIGKILL, std::nullopt), SignalVerdict::parentProcess);
+    EXPECT_EQ(linuxdesktop::sendSignalGuarded(0, SIGKILL, std::nullopt), SignalVerdict::notAProcess);
+    EXPECT_EQ(linuxdesktop::sendSignalGuarded(1, SIGKILL, std::nullopt), SignalVerdict::notAProcess);
     const int other = startOtherUsersProcess();
     if (other > 0) {
         ASSERT_TRUE(waitUntil([&] { return run("stat -c %u /proc/" + std::to_string(other)) == "65534\n"; }));
-        EXPECT_EQ(x11::sendSignalGuarded(other, SIGKILL, std::nullopt), SignalVerdict::otherUser);
+        EXPECT_EQ(linuxdesktop::sendSignalGuarded(other, SIGKILL, std::nullopt), SignalVerdict::otherUser);
         EXPECT_FALSE(processGone(other));
         testbed::kill(other);
     }
-    EXPECT_EQ(x11::sendSignalGuarded(child, SIGKILL, stat->startTime), SignalVerdict::sent);
+    EXPECT_EQ(linuxdesktop::sendSignalGuarded(child, SIGKILL, stat->startTime), SignalVerdict::sent);
     EXPECT_TRUE(waitUntil([&] { return processGone(child); }));
     testbed::kill(child);
-    EXPECT_EQ(x11::sendSignalGuarded(child, SIGKILL, stat->startTime), SignalVerdict::gone);
+    EXPECT_EQ(linuxdesktop::sendSignalGuarded(child, SIGKILL, stat->startTime), SignalVerdict::gone);
 }
 
 // Without the X-Resource extension a window's pid is whatever its _NET_WM_PID claims.
@@ -194,7 +194,7 @@ TEST(LyingWindows, AWindowClaimingSomeoneElsesPidNeverGetsThemSignalled)
     Display display(true, {"-extension", "X-Resource"});
     ASSERT_TRUE(display.ok());
     ASSERT_EQ(run("xdpyinfo -display " + display.name() + " -queryExtensions | grep -c X-Resource"), "0\n");
-    x11::LinuxPlatform linux_(display.name());
+    x11::X11Platform linux_(display.name());
     Platform& p = linux_.platform();
     Apps apps;
     const int other = startOtherUsersProcess();
@@ -236,7 +236,7 @@ TEST(LyingWindows, AWindowClaimingSomeoneElsesPidNeverGetsThemSignalled)
 TEST(PidReuse, AProcessThatInheritedAListedPidIsNotForceQuit)
 {
     ASSERT_TRUE(sharedDisplay().ok());
-    x11::LinuxPlatform linux_;
+    x11::X11Platform linux_;
     Platform& p = linux_.platform();
     Apps apps;
     const int first = apps.startTestWindow("reuse-first");

@@ -1,36 +1,26 @@
 #include "KWinPlatform.h"
 
-#include "DesktopEntries.h"
-#include "DesktopUrlOpener.h"
 #include "HiddenWindowRecord.h"
 #include "KWinAccessibility.h"
 #include "KWinWorkspace.h"
 #include "PlasmaSystemSettings.h"
 #include "PlasmaWindowManagement.h"
-#include "ProcFs.h"
-#include "SettingsPreferenceStore.h"
-#include "XdgAutostart.h"
+#include "SessionServices.h"
 
 namespace stowly::kwin {
 
 struct KWinPlatform::Services {
     explicit Services(PlasmaWindowManagement& windows)
-        : processTable(procCache), workspace(windows, procCache, desktopEntries, hidden),
-          accessibility(workspace, windows), trust(windows)
+        : workspace(windows, shared.procCache, shared.desktopEntries, hidden), accessibility(workspace, windows),
+          trust(windows)
     {
-        processTable.onPassStart = [this] { workspace.beginProcessPass(); };
     }
 
-    x11::ProcStatusCache procCache;
-    x11::DesktopEntries desktopEntries;
+    linuxdesktop::SessionServices shared;
     HiddenWindowRecord hidden;
-    x11::LinuxProcessTable processTable;
     KWinWorkspace workspace;
     KWinAccessibility accessibility;
     KWinAccessibilityTrust trust;
-    x11::XdgAutostart loginItems;
-    x11::DesktopUrlOpener urlOpener;
-    x11::SettingsPreferenceStore preferences;
     PlasmaSystemSettings accessSettings;
 };
 
@@ -39,9 +29,8 @@ KWinPlatform::KWinPlatform(const std::string& socketName)
       m_services(std::make_unique<Services>(*m_windows))
 {
     Services& s = *m_services;
-    m_platform = std::make_unique<Platform>(Platform{s.workspace, s.accessibility, s.trust, s.processTable,
-                                                     s.loginItems, s.urlOpener, s.preferences,
-                                                     s.accessSettings});
+    m_platform = std::make_unique<Platform>(
+        s.shared.platformWith(s.workspace, s.accessibility, s.trust, s.accessSettings));
 }
 
 KWinPlatform::~KWinPlatform() = default;

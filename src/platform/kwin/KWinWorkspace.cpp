@@ -1,9 +1,7 @@
 #include "KWinWorkspace.h"
 
 #include "ProcStat.h"
-#include "ProcessSignals.h"
 
-#include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -14,7 +12,6 @@ namespace stowly::kwin {
 namespace {
 // A compositor that does not answer within this leaves the list as the last events told.
 constexpr int kSyncTimeoutMs = 250;
-constexpr int kMaxAncestorDepth = 128;
 
 std::vector<std::string> uuidsOf(const std::vector<PlasmaWindowInfo>& windows)
 {
@@ -26,46 +23,10 @@ std::vector<std::string> uuidsOf(const std::vector<PlasmaWindowInfo>& windows)
 }
 } // namespace
 
-// ---- KWinRunningApplication ---------------------------------------------------------
-
-bool KWinRunningApplication::isTerminated() const
-{
-    return !m_workspace.isProcessAlive(m_state.pid);
-}
-
-bool KWinRunningApplication::hide()
-{
-    return m_workspace.hideProcess(m_state.pid);
-}
-
-bool KWinRunningApplication::terminate()
-{
-    const auto intended = m_workspace.intendedStartTime(m_state.pid, m_state.startTime);
-    const auto now = x11::readProcStat(m_state.pid);
-    if (!now || now->isZombie() || (intended && now->startTime != *intended))
-        return false; // gone, or the pid is another process's by now: not its windows
-    if (m_workspace.closeProcessWindows(m_state.pid))
-        return true;
-    // No window the app could close politely: a termination request it may handle.
-    return x11::signalListedProcess(m_state.pid, SIGTERM, intended);
-}
-
-bool KWinRunningApplication::forceTerminate()
-{
-    return x11::signalListedProcess(m_state.pid, SIGKILL,
-                                    m_workspace.intendedStartTime(m_state.pid, m_state.startTime));
-}
-
-bool KWinRunningApplication::activate(unsigned options)
-{
-    (void)options; // KWin activates each window; the app's windows all come forward
-    return m_workspace.activateProcess(m_state.pid);
-}
-
 // ---- KWinWorkspace ------------------------------------------------------------------------
 
-KWinWorkspace::KWinWorkspace(PlasmaWindowManagement& windows, x11::ProcStatusCache& proc,
-                             x11::DesktopEntries& entries, HiddenWindowRecord& hidden)
+KWinWorkspace::KWinWorkspace(PlasmaWindowManagement& windows, linuxdesktop::ProcStatusCache& proc,
+                             linuxdesktop::DesktopEntries& entries, HiddenWindowRecord& hidden)
     : m_windows(windows), m_proc(proc), m_entries(entries), m_hidden(hidden)
 {
 }
@@ -109,18 +70,21 @@ std::string KWinWorkspace::activeWindow(const std::vector<PlasmaWindowInfo>& win
     return m_lastForeignActive;
 }
 
-std::optional<std::uint64_t> KWinWorkspace::intendedStartTime(std::int32_t pid,
-                                                             std::optional<std::uint64_t> seen) const
-{
-    const auto listed = m_listedStartTimes.find(pid);
-    return listed != m_listedStartTimes.end() ? std::optional<std::uint64_t>(listed->second) : seen;
-}
-
 std::vector<RunningApplicationRef> KWinWorkspace::runningApplications()
 {
     // The listing ends a pass over the process table.
     m_passOpen = false;
-    m_havePassApps = false;
+    m_passListedAt.reset();
+    m_passApps.clear();
+    m_ancestorMemo.clear();
+    std::vector<RunningApplicationRef> apps = listApplications();
+    // What the user sees is the latest listing; the commands act on those processes.
+    m_listed.remember(apps);
+    return apps;
+}
+
+std::vector<RunningApplicationRef> KWinWorkspace::listApplications()
+{
     m_entries.refreshIfChanged();
     const std::vector<PlasmaWindowInfo> windows = currentWindows();
     m_hidden.keepOnly(uuidsOf(windows));
@@ -140,9 +104,9 @@ std::vector<RunningApplicationRef> KWinWorkspace::runningApplications()
     std::vector<RunningApplicationRef> apps;
     apps.reserve(order.size());
     for (const std::int32_t pid : order) {
-        KWinAppState state;
+        linuxdesktop::AppRecord state;
         state.pid = pid;
-        if (const auto stat = x11::readProcStat(pid))
+        if (const auto stat = linuxdesktop::readProcStat(pid))
             state.startTime = stat->startTime;
         bool allHidden = true;
         for (const PlasmaWindowInfo* window : byPid[pid]) {
@@ -160,8 +124,8 @@ std::vector<RunningApplicationRef> KWinWorkspace::runningApplications()
             const std::optional<std::string> appId = window->appId;
             const std::optional<std::string> resourceName =
                 window->resourceName.empty() ? std::nullopt : std::optional<std::string>(window->resourceName);
-            const x11::DesktopEntries::Hints hints{nullptr, &appId, &appId, &resourceName};
-            if (const x11::DesktopEntries::Entry* entry = m_entries.match(hints)) {
+            const linuxdesktop::DesktopEntries::Hints hints{nullptr, &appId, &appId, &resourceName};
+            if (const linuxdesktop::DesktopEntries::Entry* entry = m_entries.match(hints)) {
                 state.name = entry->name;
                 state.bundleId = entry->id;
                 state.icon = m_themedIcons.lookup(entry->icon);
@@ -171,56 +135,37 @@ std::vector<RunningApplicationRef> KWinWorkspace::runningApplications()
             }
             break;
         }
-        apps.push_back(std::make_shared<KWinRunningApplication>(*this, std::move(state)));
+        apps.push_back(std::make_shared<linuxdesktop::ListedApplication>(*this, std::move(state)));
     }
     m_liveness.keepOnly(order);
-    // What the user sees is the latest listing; the commands act on those processes.
-    m_listedStartTimes.clear();
-    for (const RunningApplicationRef& app : apps) {
-        if (const auto start = static_cast<const KWinRunningApplication&>(*app).startTime())
-            m_listedStartTimes.emplace(app->processIdentifier(), *start);
-    }
     return apps;
 }
 
 void KWinWorkspace::beginProcessPass()
 {
     m_passOpen = true;
-    m_havePassApps = false;
+    m_passListedAt.reset();
     m_passApps.clear();
+    m_ancestorMemo.clear();
 }
 
 RunningApplicationRef KWinWorkspace::runningApplication(std::int32_t pid)
 {
     if (pid <= 0)
         return nullptr;
-    // Within a pass every lookup answers from one reading; outside one, each reads afresh.
-    if (!m_passOpen || !m_havePassApps) {
-        const bool passOpen = m_passOpen;
-        m_passApps = runningApplications();
-        m_passOpen = passOpen;
-        m_havePassApps = passOpen;
-    }
-    const std::vector<RunningApplicationRef>& apps = m_passApps;
-    std::unordered_map<std::int32_t, RunningApplicationRef> byPid;
-    for (const RunningApplicationRef& app : apps)
+    const auto now = std::chrono::steady_clock::now();
+    if (m_passOpen && m_passListedAt && now - *m_passListedAt < kPassListingLifetime)
+        return linuxdesktop::owningApplication(pid, m_passApps, m_proc, &m_ancestorMemo);
+
+    linuxdesktop::AppsByPid byPid;
+    for (const RunningApplicationRef& app : listApplications())
         byPid.emplace(app->processIdentifier(), app);
-    // The app owning windows in this process, else the nearest ancestor that is one, so
-    // that helper processes count for their app.
-    std::vector<std::int32_t> visited;
-    std::int32_t current = pid;
-    for (int depth = 0; depth < kMaxAncestorDepth && current > 0; ++depth) {
-        if (const auto it = byPid.find(current); it != byPid.end())
-            return it->second;
-        if (current == 1)
-            break;
-        visited.push_back(current);
-        const std::int32_t parent = m_proc.status(current).ppid;
-        if (parent == current || std::find(visited.begin(), visited.end(), parent) != visited.end())
-            break;
-        current = parent;
-    }
-    return nullptr;
+    if (!m_passOpen)
+        return linuxdesktop::owningApplication(pid, byPid, m_proc);
+    m_passApps = std::move(byPid);
+    m_passListedAt = now;
+    m_ancestorMemo.clear();
+    return linuxdesktop::owningApplication(pid, m_passApps, m_proc, &m_ancestorMemo);
 }
 
 bool KWinWorkspace::hideProcess(std::int32_t pid)

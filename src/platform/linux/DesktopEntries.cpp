@@ -13,7 +13,7 @@
 #include <fstream>
 #include <string_view>
 
-namespace stowly::x11 {
+namespace stowly::linuxdesktop {
 
 namespace {
 
@@ -230,4 +230,4 @@ const DesktopEntries::Entry* DesktopEntries::match(const Hints& hints) const
     return nullptr;
 }
 
-} // namespace stowly::x11
+} // namespace stowly::linuxdesktop

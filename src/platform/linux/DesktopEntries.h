@@ -6,7 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
-namespace stowly::x11 {
+namespace stowly::linuxdesktop {
 
 // The XDG desktop entries of the user's applications directories, read once and
 // re-read when one of those directories changes.
@@ -51,4 +51,4 @@ private:
     std::unordered_map<std::string, std::size_t> m_byLastComponentLower;
 };
 
-} // namespace stowly::x11
+} // namespace stowly::linuxdesktop

@@ -1,6 +1,6 @@
 #include "DesktopEntryFile.h"
 
-namespace stowly::x11 {
+namespace stowly::linuxdesktop {
 
 namespace {
 
@@ -45,4 +45,4 @@ std::vector<std::pair<std::string, std::string>> readDesktopEntryGroup(std::istr
     return entries;
 }
 
-} // namespace stowly::x11
+} // namespace stowly::linuxdesktop

@@ -4,7 +4,7 @@
 #include <QGuiApplication>
 #include <QUrl>
 
-namespace stowly::x11 {
+namespace stowly::linuxdesktop {
 
 bool DesktopUrlOpener::openUrl(const std::string& url)
 {
@@ -16,4 +16,4 @@ bool DesktopUrlOpener::openUrl(const std::string& url)
     return QDesktopServices::openUrl(parsed);
 }
 
-} // namespace stowly::x11
+} // namespace stowly::linuxdesktop

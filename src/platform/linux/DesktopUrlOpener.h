@@ -2,7 +2,7 @@
 
 #include "platform/UrlOpener.h"
 
-namespace stowly::x11 {
+namespace stowly::linuxdesktop {
 
 // Opens URLs with the desktop's handler (QDesktopServices). Needs a QGuiApplication;
 // without one it opens nothing and answers false.
@@ -11,4 +11,4 @@ public:
     bool openUrl(const std::string& url) override;
 };
 
-} // namespace stowly::x11
+} // namespace stowly::linuxdesktop

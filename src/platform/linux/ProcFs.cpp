@@ -13,7 +13,7 @@
 #include <cstring>
 #include <string_view>
 
-namespace stowly::x11 {
+namespace stowly::linuxdesktop {
 
 namespace {
 
@@ -412,4 +412,4 @@ int LinuxProcessTable::pidTaskInfo(std::int32_t pid, TaskInfo& info)
     return kTaskInfoSize;
 }
 
-} // namespace stowly::x11
+} // namespace stowly::linuxdesktop

@@ -12,7 +12,7 @@
 #include <unordered_map>
 #include <vector>
 
-namespace stowly::x11 {
+namespace stowly::linuxdesktop {
 
 // What /proc/PID/status says about one process, read once per pass.
 struct ProcStatus {
@@ -108,4 +108,4 @@ private:
     bool m_haveListing = false;
 };
 
-} // namespace stowly::x11
+} // namespace stowly::linuxdesktop

@@ -8,7 +8,7 @@
 #include <limits>
 #include <type_traits>
 
-namespace stowly::x11 {
+namespace stowly::linuxdesktop {
 
 namespace {
 
@@ -121,4 +121,4 @@ std::optional<ProcStat> readProcStat(std::int32_t pid)
     return stat;
 }
 
-} // namespace stowly::x11
+} // namespace stowly::linuxdesktop

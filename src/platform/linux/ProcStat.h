@@ -4,7 +4,7 @@
 #include <optional>
 #include <string_view>
 
-namespace stowly::x11 {
+namespace stowly::linuxdesktop {
 
 // The fields of /proc/PID/stat this backend relies on. The start time (clock ticks after
 // boot) tells two processes apart that were given the same pid one after the other.
@@ -28,4 +28,4 @@ std::optional<ProcStat> parseProcStat(std::string_view text);
 // Reads and parses /proc/PID/stat; nullopt when the process is gone or the file is odd.
 std::optional<ProcStat> readProcStat(std::int32_t pid);
 
-} // namespace stowly::x11
+} // namespace stowly::linuxdesktop

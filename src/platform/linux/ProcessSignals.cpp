@@ -11,7 +11,7 @@
 #include <cerrno>
 #include <string>
 
-namespace stowly::x11 {
+namespace stowly::linuxdesktop {
 
 namespace {
 
@@ -146,4 +146,4 @@ bool signalListedProcess(std::int32_t pid, int signal, std::optional<std::uint64
     return false;
 }
 
-} // namespace stowly::x11
+} // namespace stowly::linuxdesktop

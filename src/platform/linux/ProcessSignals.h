@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <optional>
 
-namespace stowly::x11 {
+namespace stowly::linuxdesktop {
 
 // Why a signal was or was not sent to a process.
 enum class SignalVerdict {
@@ -56,4 +56,4 @@ SignalVerdict sendSignalGuarded(std::int32_t pid, int signal, std::optional<std:
 // request, and the log says why (a process that is simply gone is not worth a line).
 bool signalListedProcess(std::int32_t pid, int signal, std::optional<std::uint64_t> expectedStartTime);
 
-} // namespace stowly::x11
+} // namespace stowly::linuxdesktop

@@ -1,6 +1,6 @@
 #include "SettingsPreferenceStore.h"
 
-namespace stowly::x11 {
+namespace stowly::linuxdesktop {
 
 SettingsPreferenceStore::SettingsPreferenceStore()
     : m_settings(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("Stowly"), QStringLiteral("Stowly"))
@@ -24,4 +24,4 @@ void SettingsPreferenceStore::setString(const std::string& key, const std::strin
     m_settings.sync();
 }
 
-} // namespace stowly::x11
+} // namespace stowly::linuxdesktop

@@ -4,7 +4,7 @@
 
 #include <QSettings>
 
-namespace stowly::x11 {
+namespace stowly::linuxdesktop {
 
 // The user's preferences in QSettings: $XDG_CONFIG_HOME/Stowly/Stowly.conf on Linux.
 class SettingsPreferenceStore : public PreferenceStore {
@@ -17,4 +17,4 @@ private:
     mutable QSettings m_settings;
 };
 
-} // namespace stowly::x11
+} // namespace stowly::linuxdesktop

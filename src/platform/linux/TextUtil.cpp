@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-namespace stowly::x11 {
+namespace stowly::linuxdesktop {
 
 namespace {
 
@@ -89,4 +89,4 @@ std::string latin1OrUtf8ToUtf8(std::string_view bytes)
     return out;
 }
 
-} // namespace stowly::x11
+} // namespace stowly::linuxdesktop

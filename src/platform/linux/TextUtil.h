@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-namespace stowly::x11 {
+namespace stowly::linuxdesktop {
 
 // True when the bytes are well-formed UTF-8 (no overlongs, no surrogates).
 bool isValidUtf8(std::string_view bytes);
@@ -13,4 +13,4 @@ std::string sanitizeUtf8(std::string_view bytes);
 // UTF-8 as it is, read anything else as Latin-1.
 std::string latin1OrUtf8ToUtf8(std::string_view bytes);
 
-} // namespace stowly::x11
+} // namespace stowly::linuxdesktop

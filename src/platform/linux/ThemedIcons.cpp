@@ -1,6 +1,5 @@
 #include "ThemedIcons.h"
 
-#include "WindowSnapshot.h"
 #include "XdgDirs.h"
 
 #include <QCoreApplication>
@@ -16,7 +15,7 @@
 #include <string_view>
 #include <vector>
 
-namespace stowly::x11 {
+namespace stowly::linuxdesktop {
 
 namespace {
 
@@ -121,4 +120,4 @@ AppIconRef ThemedIcons::lookup(const std::string& iconKey)
     return icon;
 }
 
-} // namespace stowly::x11
+} // namespace stowly::linuxdesktop

@@ -6,7 +6,10 @@
 #include <string>
 #include <unordered_map>
 
-namespace stowly::x11 {
+namespace stowly::linuxdesktop {
+
+// The icon size we look for: twice the 24-point size the panel draws.
+inline constexpr int kWantedIconSize = 48;
 
 // The icon a desktop entry names (its Icon key), for apps whose windows carry no
 // _NET_WM_ICON. Looked up the way the XDG Icon Theme format asks of its fallback theme:
@@ -25,4 +28,4 @@ private:
     std::unordered_map<std::string, AppIconRef> m_cache;
 };
 
-} // namespace stowly::x11
+} // namespace stowly::linuxdesktop

@@ -12,7 +12,7 @@
 #include <fstream>
 #include <system_error>
 
-namespace stowly::x11 {
+namespace stowly::linuxdesktop {
 
 namespace {
 
@@ -170,4 +170,4 @@ std::optional<std::string> XdgAutostart::unregisterMainApp()
     return std::nullopt;
 }
 
-} // namespace stowly::x11
+} // namespace stowly::linuxdesktop

@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace stowly::x11 {
+namespace stowly::linuxdesktop {
 
 // The login item as an XDG autostart entry: $XDG_CONFIG_HOME/autostart/app.stowly.Stowly.desktop.
 // The entry always names one program: registering replaces whatever entry was there,
@@ -27,4 +27,4 @@ private:
     std::string m_executable;
 };
 
-} // namespace stowly::x11
+} // namespace stowly::linuxdesktop

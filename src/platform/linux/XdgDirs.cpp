@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-namespace stowly::x11 {
+namespace stowly::linuxdesktop {
 
 namespace {
 
@@ -47,4 +47,4 @@ std::string xdgConfigHome()
     return envOr("HOME", "") + "/.config";
 }
 
-} // namespace stowly::x11
+} // namespace stowly::linuxdesktop

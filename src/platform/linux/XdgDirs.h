@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-namespace stowly::x11 {
+namespace stowly::linuxdesktop {
 
 // XDG Base Directory locations, read from the environment on every call so that a
 // changed environment (tests, a new session) is honoured.
@@ -15,4 +15,4 @@ std::vector<std::string> xdgDataDirectories();
 // $XDG_CONFIG_HOME, default ~/.config.
 std::string xdgConfigHome();
 
-} // namespace stowly::x11
+} // namespace stowly::linuxdesktop

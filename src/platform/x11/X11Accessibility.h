@@ -9,9 +9,9 @@ namespace stowly::x11 {
 // Accessibility elements over EWMH client windows. Reading "AXWindows" reads every
 // property the window attributes need in the same batch, so the per-window reads that
 // follow answer from memory; only changes go to the server.
-class LinuxAccessibility : public Accessibility {
+class X11Accessibility : public Accessibility {
 public:
-    explicit LinuxAccessibility(XConnection& x) : m_x(x) {}
+    explicit X11Accessibility(XConnection& x) : m_x(x) {}
 
     AXElementRef createApplication(std::int32_t processIdentifier) override;
     AXError copyAttributeValue(const AXElementRef& element, const std::string& attribute, AXValue& value) override;
@@ -25,9 +25,9 @@ private:
 
 // Trusted means: connected to an X server on which an EWMH window manager runs and
 // publishes its client list. There is nothing to prompt for.
-class LinuxAccessibilityTrust : public AccessibilityTrust {
+class X11AccessibilityTrust : public AccessibilityTrust {
 public:
-    explicit LinuxAccessibilityTrust(XConnection& x) : m_x(x) {}
+    explicit X11AccessibilityTrust(XConnection& x) : m_x(x) {}
     bool isProcessTrusted(bool prompt) override;
 
 private:

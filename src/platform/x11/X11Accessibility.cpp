@@ -1,4 +1,4 @@
-#include "LinuxAccessibility.h"
+#include "X11Accessibility.h"
 
 #include "WindowRequests.h"
 #include "WindowTypes.h"
@@ -53,12 +53,12 @@ AXError usable(XConnection& x, std::uint64_t generation)
 
 } // namespace
 
-AXElementRef LinuxAccessibility::createApplication(std::int32_t processIdentifier)
+AXElementRef X11Accessibility::createApplication(std::int32_t processIdentifier)
 {
     return std::make_shared<ApplicationElement>(processIdentifier);
 }
 
-AXError LinuxAccessibility::copyAttributeValue(const AXElementRef& element, const std::string& attribute,
+AXError X11Accessibility::copyAttributeValue(const AXElementRef& element, const std::string& attribute,
                                                AXValue& value)
 {
     value = AXAbsent{};
@@ -122,7 +122,7 @@ AXError LinuxAccessibility::copyAttributeValue(const AXElementRef& element, cons
     return kAXErrorIllegalArgument;
 }
 
-AXError LinuxAccessibility::setAttributeValue(const AXElementRef& element, const std::string& attribute,
+AXError X11Accessibility::setAttributeValue(const AXElementRef& element, const std::string& attribute,
                                               const AXValue& value)
 {
     const auto* window = dynamic_cast<const WindowElement*>(element.get());
@@ -140,7 +140,7 @@ AXError LinuxAccessibility::setAttributeValue(const AXElementRef& element, const
     return requestActivate(m_x, {window->info->id});
 }
 
-AXError LinuxAccessibility::performAction(const AXElementRef& element, const std::string& action)
+AXError X11Accessibility::performAction(const AXElementRef& element, const std::string& action)
 {
     const auto* button = dynamic_cast<const CloseButtonElement*>(element.get());
     if (button == nullptr)
@@ -152,7 +152,7 @@ AXError LinuxAccessibility::performAction(const AXElementRef& element, const std
     return requestClose(m_x, button->window);
 }
 
-bool LinuxAccessibilityTrust::isProcessTrusted(bool prompt)
+bool X11AccessibilityTrust::isProcessTrusted(bool prompt)
 {
     (void)prompt;   // X11 has no access prompt: asking is the same query
     if (!m_x.ensureConnected())

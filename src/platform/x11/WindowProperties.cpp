@@ -20,8 +20,8 @@ std::optional<std::string> textOf(const PropertyValue& p, const PropertyAtoms& a
     while (!text.empty() && text.back() == '\0')
         text.remove_suffix(1);
     if (p.type == atoms.utf8String)
-        return sanitizeUtf8(text);
-    return latin1OrUtf8ToUtf8(text);
+        return linuxdesktop::sanitizeUtf8(text);
+    return linuxdesktop::latin1OrUtf8ToUtf8(text);
 }
 
 } // namespace
@@ -88,12 +88,12 @@ void interpretWindowProperties(ClientWindow& w, const WindowPropertyValues& prop
             // Two NUL-terminated strings: instance, then class.
             const std::string_view all = wmClass.bytes;
             const std::size_t split = all.find('\0');
-            w.wmClassInstance = latin1OrUtf8ToUtf8(all.substr(0, split));
+            w.wmClassInstance = linuxdesktop::latin1OrUtf8ToUtf8(all.substr(0, split));
             if (split != std::string_view::npos) {
                 std::string_view rest = all.substr(split + 1);
                 rest = rest.substr(0, rest.find('\0'));
                 if (!rest.empty())
-                    w.wmClassClass = latin1OrUtf8ToUtf8(rest);
+                    w.wmClassClass = linuxdesktop::latin1OrUtf8ToUtf8(rest);
             }
             if (w.wmClassInstance->empty())
                 w.wmClassInstance.reset();

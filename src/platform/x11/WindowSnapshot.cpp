@@ -1,6 +1,7 @@
 #include "WindowSnapshot.h"
 
 #include "NetWmIcon.h"
+#include "ThemedIcons.h"
 #include "WindowProperties.h"
 
 #include <xcb/res.h>
@@ -275,7 +276,7 @@ std::shared_ptr<const WindowSnapshot> takeWindowSnapshot(XConnection& x, IconCac
             AppIconRef decoded;
             if (icon.type == XCB_ATOM_CARDINAL && icon.format == 32) {
                 const auto values = icon.longs();
-                decoded = decodeNetWmIcon(values.data(), values.size(), kWantedIconSize);
+                decoded = decodeNetWmIcon(values.data(), values.size(), linuxdesktop::kWantedIconSize);
             }
             if (!icon.badWindow)
                 icons->put(w.id, decoded);

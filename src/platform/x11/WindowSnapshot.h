@@ -78,7 +78,4 @@ std::shared_ptr<const WindowSnapshot> windowSnapshotFor(XConnection& x, std::int
 // otherwise a fresh one. On a quiet desktop a refresh then costs no round trip here.
 std::shared_ptr<const WindowSnapshot> currentWindowSnapshot(XConnection& x, IconCache& icons);
 
-// The icon size we look for: twice the 24-point size the panel draws.
-inline constexpr int kWantedIconSize = 48;
-
 } // namespace stowly::x11

@@ -1,10 +1,8 @@
-#include "LinuxWorkspace.h"
+#include "X11Workspace.h"
 
-#include "ProcessSignals.h"
 #include "WindowRequests.h"
 #include "WindowTypes.h"
 
-#include <signal.h>
 #include <unistd.h>
 
 #include <QtGlobal>
@@ -18,72 +16,36 @@ namespace {
 
 // A pass snapshot older than this is not reused, should a pass ever be left open.
 constexpr auto kPassSnapshotLifetime = std::chrono::seconds(1);
-constexpr int kMaxAncestorDepth = 128;
 
 } // namespace
 
-// ---- LinuxRunningApplication -------------------------------------------------------
+// ---- X11Workspace -------------------------------------------------------------------
 
-bool LinuxRunningApplication::isTerminated() const
-{
-    return !m_workspace.isProcessAlive(m_state.pid);
-}
-
-bool LinuxRunningApplication::hide()
-{
-    return m_workspace.hideProcess(m_state.pid);
-}
-
-bool LinuxRunningApplication::terminate()
-{
-    const auto intended = m_workspace.intendedStartTime(m_state.pid, m_state.startTime);
-    const auto now = readProcStat(m_state.pid);
-    if (!now || now->isZombie() || (intended && now->startTime != *intended))
-        return false;   // gone, or the pid is another process's by now: not its windows
-    if (m_workspace.closeProcessWindows(m_state.pid))
-        return true;
-    // No window the app could close politely: a termination request it may handle.
-    return signalListedProcess(m_state.pid, SIGTERM, intended);
-}
-
-bool LinuxRunningApplication::forceTerminate()
-{
-    return signalListedProcess(m_state.pid, SIGKILL, m_workspace.intendedStartTime(m_state.pid, m_state.startTime));
-}
-
-bool LinuxRunningApplication::activate(unsigned options)
-{
-    (void)options;   // X11 activation always raises every window of the app
-    return m_workspace.activateProcess(m_state.pid);
-}
-
-// ---- LinuxWorkspace -------------------------------------------------------------------
-
-LinuxWorkspace::LinuxWorkspace(XConnection& x, ProcStatusCache& proc, DesktopEntries& entries)
+X11Workspace::X11Workspace(XConnection& x, linuxdesktop::ProcStatusCache& proc, linuxdesktop::DesktopEntries& entries)
     : m_x(x), m_proc(proc), m_entries(entries), m_activeWindow(static_cast<std::int32_t>(::getpid()))
 {
 }
 
-std::int32_t LinuxWorkspace::currentProcessIdentifier() const
+std::int32_t X11Workspace::currentProcessIdentifier() const
 {
     return static_cast<std::int32_t>(::getpid());
 }
 
-void LinuxWorkspace::beginProcessPass()
+void X11Workspace::beginProcessPass()
 {
     m_passOpen = true;
     m_passTable.reset();
     m_ancestorMemo.clear();
 }
 
-std::shared_ptr<const LinuxWorkspace::AppTable> LinuxWorkspace::freshTable()
+std::shared_ptr<const X11Workspace::AppTable> X11Workspace::freshTable()
 {
     m_entries.refreshIfChanged();
     return buildTable(currentWindowSnapshot(m_x, m_icons));
 }
 
-std::shared_ptr<const LinuxWorkspace::AppTable>
-LinuxWorkspace::buildTable(std::shared_ptr<const WindowSnapshot> snapshot)
+std::shared_ptr<const X11Workspace::AppTable>
+X11Workspace::buildTable(std::shared_ptr<const WindowSnapshot> snapshot)
 {
     auto table = std::make_shared<AppTable>();
     table->snapshot = snapshot;
@@ -102,7 +64,7 @@ LinuxWorkspace::buildTable(std::shared_ptr<const WindowSnapshot> snapshot)
     }
     for (const std::int32_t pid : order) {
         const auto& windows = windowsByPid[pid];
-        AppState state;
+        linuxdesktop::AppRecord state;
         state.pid = pid;
         if (const auto stat = m_liveness.stat(pid))
             state.startTime = stat->startTime;
@@ -119,9 +81,9 @@ LinuxWorkspace::buildTable(std::shared_ptr<const WindowSnapshot> snapshot)
         }
         state.hidden = allHidden;
         for (const ClientWindow* w : windows) {
-            const DesktopEntries::Hints hints{&w->gtkApplicationId, &w->kdeDesktopFile, &w->wmClassClass,
+            const linuxdesktop::DesktopEntries::Hints hints{&w->gtkApplicationId, &w->kdeDesktopFile, &w->wmClassClass,
                                               &w->wmClassInstance};
-            if (const DesktopEntries::Entry* entry = m_entries.match(hints)) {
+            if (const linuxdesktop::DesktopEntries::Entry* entry = m_entries.match(hints)) {
                 state.name = entry->name;
                 state.bundleId = entry->id;
                 // No window drew its own icon: the one its desktop entry names.
@@ -139,7 +101,7 @@ LinuxWorkspace::buildTable(std::shared_ptr<const WindowSnapshot> snapshot)
                 }
             }
         }
-        auto app = std::make_shared<LinuxRunningApplication>(*this, std::move(state));
+        auto app = std::make_shared<linuxdesktop::ListedApplication>(*this, std::move(state));
         table->apps.push_back(app);
         table->byPid.emplace(pid, app);
     }
@@ -147,7 +109,7 @@ LinuxWorkspace::buildTable(std::shared_ptr<const WindowSnapshot> snapshot)
     return table;
 }
 
-std::vector<RunningApplicationRef> LinuxWorkspace::runningApplications()
+std::vector<RunningApplicationRef> X11Workspace::runningApplications()
 {
     std::shared_ptr<const AppTable> table;
     // Within a refresh the process walk came first; its snapshot is the same moment.
@@ -159,26 +121,15 @@ std::vector<RunningApplicationRef> LinuxWorkspace::runningApplications()
     // Only a refresh lists after a pass over the process table: that list is what the
     // panel shows, and what the user's later commands refer to. A command's own lookups
     // come without a pass and leave it alone.
-    if (m_passOpen) {
-        m_listedStartTimes.clear();
-        for (const auto& app : table->apps)
-            if (const auto start = static_cast<const LinuxRunningApplication&>(*app).startTime())
-                m_listedStartTimes.emplace(app->processIdentifier(), *start);
-    }
+    if (m_passOpen)
+        m_listed.remember(table->apps);
     m_passOpen = false;
     m_passTable.reset();
     m_ancestorMemo.clear();
     return table->apps;
 }
 
-std::optional<std::uint64_t> LinuxWorkspace::intendedStartTime(std::int32_t pid,
-                                                              std::optional<std::uint64_t> seen) const
-{
-    const auto listed = m_listedStartTimes.find(pid);
-    return listed != m_listedStartTimes.end() ? listed->second : seen;
-}
-
-RunningApplicationRef LinuxWorkspace::runningApplication(std::int32_t pid)
+RunningApplicationRef X11Workspace::runningApplication(std::int32_t pid)
 {
     if (pid <= 0)
         return nullptr;
@@ -195,35 +146,10 @@ RunningApplicationRef LinuxWorkspace::runningApplication(std::int32_t pid)
         m_ancestorMemo.clear();
     }
 
-    // The app owning windows in this process, else the nearest ancestor that is one, so
-    // that helper processes count for their app.
-    std::vector<std::int32_t> visited;
-    RunningApplicationRef found;
-    std::int32_t current = pid;
-    for (int depth = 0; depth < kMaxAncestorDepth && current > 0; ++depth) {
-        if (const auto memo = m_ancestorMemo.find(current); memo != m_ancestorMemo.end()) {
-            found = memo->second;
-            break;
-        }
-        visited.push_back(current);
-        if (const auto it = table->byPid.find(current); it != table->byPid.end()) {
-            found = it->second;
-            break;
-        }
-        if (current == 1)
-            break;
-        const std::int32_t parent = m_proc.status(current).ppid;
-        if (parent == current || std::find(visited.begin(), visited.end(), parent) != visited.end())
-            break;
-        current = parent;
-    }
-    if (m_passOpen)
-        for (const std::int32_t p : visited)
-            m_ancestorMemo[p] = found;
-    return found;
+    return linuxdesktop::owningApplication(pid, table->byPid, m_proc, m_passOpen ? &m_ancestorMemo : nullptr);
 }
 
-std::vector<const ClientWindow*> LinuxWorkspace::windowsOf(const WindowSnapshot& snapshot, std::int32_t pid) const
+std::vector<const ClientWindow*> X11Workspace::windowsOf(const WindowSnapshot& snapshot, std::int32_t pid) const
 {
     std::vector<const ClientWindow*> out;
     for (const ClientWindow& w : snapshot.windows)
@@ -232,7 +158,7 @@ std::vector<const ClientWindow*> LinuxWorkspace::windowsOf(const WindowSnapshot&
     return out;
 }
 
-std::vector<xcb_window_t> LinuxWorkspace::windowIdsOf(const WindowSnapshot& snapshot, std::int32_t pid) const
+std::vector<xcb_window_t> X11Workspace::windowIdsOf(const WindowSnapshot& snapshot, std::int32_t pid) const
 {
     std::vector<xcb_window_t> ids;
     for (const ClientWindow* w : windowsOf(snapshot, pid))
@@ -240,7 +166,7 @@ std::vector<xcb_window_t> LinuxWorkspace::windowIdsOf(const WindowSnapshot& snap
     return ids;
 }
 
-bool LinuxWorkspace::hideProcess(std::int32_t pid)
+bool X11Workspace::hideProcess(std::int32_t pid)
 {
     const auto snapshot = takeWindowSnapshot(m_x, nullptr);
     const auto ids = windowIdsOf(*snapshot, pid);
@@ -254,7 +180,7 @@ bool LinuxWorkspace::hideProcess(std::int32_t pid)
     return any;
 }
 
-bool LinuxWorkspace::activateProcess(std::int32_t pid)
+bool X11Workspace::activateProcess(std::int32_t pid)
 {
     const auto snapshot = takeWindowSnapshot(m_x, nullptr);
     auto ids = windowIdsOf(*snapshot, pid);
@@ -271,7 +197,7 @@ bool LinuxWorkspace::activateProcess(std::int32_t pid)
     return requestActivate(m_x, ids) == kAXErrorSuccess;
 }
 
-bool LinuxWorkspace::closeProcessWindows(std::int32_t pid)
+bool X11Workspace::closeProcessWindows(std::int32_t pid)
 {
     const auto snapshot = takeWindowSnapshot(m_x, nullptr);
     bool any = false;

@@ -9,15 +9,15 @@ namespace stowly::x11 {
 
 class XConnection;
 
-// Owns every Linux service (X11 via xcb, /proc, XDG autostart, QSettings, the desktop's
-// URL handler) and hands them out as one Platform. Everything runs on the main thread.
-class LinuxPlatform {
+// Every service for an X11 session (or Xwayland): windows through EWMH and ICCCM over xcb,
+// and the parts every Linux session shares. Everything runs on the main thread.
+class X11Platform {
 public:
     // Empty display: $DISPLAY.
-    explicit LinuxPlatform(const std::string& display = {});
-    ~LinuxPlatform();
-    LinuxPlatform(const LinuxPlatform&) = delete;
-    LinuxPlatform& operator=(const LinuxPlatform&) = delete;
+    explicit X11Platform(const std::string& display = {});
+    ~X11Platform();
+    X11Platform(const X11Platform&) = delete;
+    X11Platform& operator=(const X11Platform&) = delete;
 
     Platform& platform() { return *m_platform; }
     XConnection& connection() { return *m_connection; }

@@ -117,7 +117,7 @@ std::optional<std::string> WindowManagerSettings::runningWindowManagerName()
     // The name of a running window manager does not change: read it once per check window.
     if (checkWindow != m_checkWindow || m_x.generation() != m_checkGeneration) {
         std::string name = readProperty(checkWindow, m_x.atom(Atom::NET_WM_NAME), m_x.atom(Atom::UTF8_STRING), 256);
-        m_windowManagerName = name.empty() ? std::nullopt : std::optional<std::string>(sanitizeUtf8(name));
+        m_windowManagerName = name.empty() ? std::nullopt : std::optional<std::string>(linuxdesktop::sanitizeUtf8(name));
         m_checkWindow = checkWindow;
         m_checkGeneration = m_x.generation();
     }

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "DesktopEntries.h"
+#include "DesktopUrlOpener.h"
+#include "ProcFs.h"
+#include "SettingsPreferenceStore.h"
+#include "XdgAutostart.h"
+#include "platform/Platform.h"
+
+namespace stowly::linuxdesktop {
+
+// The services every Linux session shares, whatever its window system: /proc, desktop
+// entries, XDG autostart, QSettings and the desktop's URL handler. A backend adds the
+// window system's own three and hands the whole out as one Platform.
+struct SessionServices {
+    SessionServices() : processTable(procCache) {}
+
+    // The lookups of one pass over the process table share one reading of the windows.
+    template <typename PassAwareWorkspace>
+    Platform platformWith(PassAwareWorkspace& workspace, Accessibility& accessibility, AccessibilityTrust& trust,
+                          AccessSettings& accessSettings)
+    {
+        processTable.onPassStart = [&workspace] { workspace.beginProcessPass(); };
+        return Platform{workspace, accessibility, trust, processTable, loginItems, urlOpener, preferences,
+                        accessSettings};
+    }
+
+    ProcStatusCache procCache;
+    DesktopEntries desktopEntries;
+    LinuxProcessTable processTable;
+    XdgAutostart loginItems;
+    DesktopUrlOpener urlOpener;
+    SettingsPreferenceStore preferences;
+};
+
+} // namespace stowly::linuxdesktop
