@@ -14,36 +14,7 @@ import time
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "ui", "e2e"))
 from testbed import TestBed          # noqa: E402
 from stowlydriver import Stowly      # noqa: E402
-
-failures = []
-
-
-def check(condition, what):
-    print(("ok   " if condition else "FAIL ") + what, flush=True)
-    if not condition:
-        failures.append(what)
-    return condition
-
-
-def alive(pid):
-    try:
-        with open(f"/proc/{pid}/stat") as f:
-            return f.read().split(")")[-1].split()[0] != "Z"
-    except OSError:
-        return False
-
-
-def instances_of(binary):
-    """Processes running this very file, whatever else runs on the machine."""
-    found = []
-    for entry in os.listdir("/proc"):
-        if entry.isdigit():
-            try:
-                if os.readlink(f"/proc/{entry}/exe") == binary and alive(int(entry)):
-                    found.append(int(entry))
-            except OSError:
-                pass
-    return found
+from processes import alive, check, failures, instances_of   # noqa: E402
 
 
 def main(binary):
