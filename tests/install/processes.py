@@ -1,4 +1,5 @@
-"""Looking at processes from outside, through /proc, and reporting checks."""
+"""What the install tests share: checks that report and count, and a look at processes from
+outside, through /proc."""
 
 import os
 
