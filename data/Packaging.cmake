@@ -2,7 +2,9 @@
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME stowly)
 set(CPACK_PACKAGE_VENDOR "The Stowly developers")
-set(CPACK_PACKAGE_CONTACT "The Stowly developers <maintainers@stowly.app>")
+# Debian wants a mail address here and we have none to publish: the reserved top-level
+# domain .invalid (RFC 6761) says so without pointing at anybody.
+set(CPACK_PACKAGE_CONTACT "The Stowly developers <maintainers@stowly.invalid>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "minimize, hide, close or quit all other apps from the tray")
 set(CPACK_PACKAGE_DESCRIPTION "Stowly puts an icon in the system tray whose panel acts on all other open
 apps at once: minimize their windows, hide them, ask them to close or force
@@ -16,7 +18,7 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SECTION x11)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
-set(CPACK_DEBIAN_PACKAGE_HOMEPAGE https://stowly.app/)
+# No Homepage field: the project has no public web address yet.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # dpkg-shlibdeps sees only linked libraries. The QML modules the views import, the
 # Fusion style they pick and the X11 platform plugin are loaded at run time.

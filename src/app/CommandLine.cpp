@@ -43,21 +43,11 @@ ParseResult failure(const QString& error)
     return {std::nullopt, error + QStringLiteral("\nTry 'stowly --help'.")};
 }
 
-// The model says how a command went only in words; these openings are the ones its
-// sentences use when nothing was done or access is missing.
-bool reportsFailure(const QString& message)
-{
-    return message.startsWith(QLatin1String("No ")) || message.startsWith(QLatin1String("Could not "))
-        || message.startsWith(QLatin1String("Accessibility access is required"))
-        || message.startsWith(QLatin1String("Accessibility call failed"));
-}
-
 int finish(const AppModel& model)
 {
-    const QString message = model.lastResultMessage();
-    const bool failed = reportsFailure(message);
-    printTo(failed ? stderr : stdout, message + QLatin1Char('\n'));
-    return failed ? exitNothingDone : exitSuccess;
+    const bool succeeded = model.lastCommandSucceeded();
+    printTo(succeeded ? stdout : stderr, model.lastResultMessage() + QLatin1Char('\n'));
+    return succeeded ? exitSuccess : exitNothingDone;
 }
 
 QString stateOf(const RunningAppInfo& app)

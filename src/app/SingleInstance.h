@@ -3,25 +3,38 @@
 #include <QObject>
 #include <QString>
 
+#include <optional>
+
+class QDBusConnection;
 class QLocalServer;
 
 namespace stowly {
 
-// One Stowly per user session. The first start listens on a local socket named after the
-// user's runtime directory and the display; a later start connects, asks the first one to
-// open its panel and exits. A socket left behind by a crashed instance answers no connection
+// One Stowly per user session. On the session bus the first start owns the well-known name
+// app.stowly.Stowly and answers org.freedesktop.Application.Activate; a later start finds the
+// name taken, calls Activate and exits. The bus drops the name with the connection of a
+// process that ends, crashed or not, so nothing stale is left behind.
+// Without a session bus a local socket in the user's runtime directory, named after the
+// display, does the same; a socket left behind by a crashed instance answers no connection
 // and is replaced.
 class SingleInstance : public QObject {
     Q_OBJECT
 
 public:
+    enum class Start {
+        first,          // this process is the session's Stowly now
+        handedOver,     // the running one was asked to open its panel
+        notAnswering,   // the running one holds the bus name but does not answer
+    };
+
+    static constexpr auto kBusName = "app.stowly.Stowly";
+
     explicit SingleInstance(QObject* parent = nullptr);
     ~SingleInstance() override;
 
-    // True when another instance answered and was asked to open its panel.
-    bool activateRunningInstance();
-    // Starts listening; false (with a reason) when the socket cannot be made.
-    bool listen(QString* error = nullptr);
+    // detail: why a running instance could not be asked, or (with first) why a later start
+    // will not find this one.
+    Start claim(QString* detail = nullptr);
 
     // The socket path for this user and display.
     static QString socketPath();
@@ -30,6 +43,12 @@ signals:
     void activationRequested();
 
 private:
+    // Absent when the bus cannot be used at all, so the socket serves instead.
+    std::optional<Start> claimBusName(QDBusConnection& bus, QString* detail);
+    Start claimSocket(QString* detail);
+    bool activateOverSocket();
+    bool listenOnSocket(QString* error);
+
     QLocalServer* m_server = nullptr;
 };
 

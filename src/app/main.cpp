@@ -77,12 +77,16 @@ int runTray(int argc, char* argv[])
     stowly::macos::useAccessoryActivationPolicy();
 #else
     stowly::SingleInstance instance;
-    if (instance.activateRunningInstance()) {
+    QString startDetail;
+    const stowly::SingleInstance::Start start = instance.claim(&startDetail);
+    if (!startDetail.isEmpty())
+        std::fprintf(stderr, "stowly: %s\n", qPrintable(startDetail));
+    if (start == stowly::SingleInstance::Start::handedOver) {
         std::fputs("Stowly is already running; its panel is open.\n", stdout);
         return stowly::exitSuccess;
     }
-    if (QString error; !instance.listen(&error))
-        std::fprintf(stderr, "stowly: cannot watch for a second start: %s\n", qPrintable(error));
+    if (start == stowly::SingleInstance::Start::notAnswering)
+        return stowly::exitNothingDone;
 #endif
 
     PlatformServices services;

@@ -156,6 +156,7 @@ void AppModel::scheduleRefreshFromTimer()
 
 void AppModel::runBulkCommand(const BulkCommandTexts& texts, const std::function<std::int64_t()>& operation)
 {
+    m_lastCommandSucceeded = false;
     if (texts.untrusted) {
         // Asked afresh: the published flag may be a second old.
         const bool trusted = AccessibilityPermissionChecker::isTrusted(m_platform.trust, false);
@@ -167,6 +168,7 @@ void AppModel::runBulkCommand(const BulkCommandTexts& texts, const std::function
     }
     try {
         const std::int64_t count = operation();
+        m_lastCommandSucceeded = count > 0;
         setLastResultMessage(count == 0 ? QString::fromLatin1(texts.none)
                                         : countMessage(texts.prefix, count, texts.noun));
     } catch (const MinimizeError& error) {
@@ -214,26 +216,31 @@ void AppModel::performDefaultAction()
     }
 }
 
+void AppModel::finishAppCommand(bool succeeded, const QString& message)
+{
+    // Set before the message so that a listener of the message reads the matching flag.
+    m_lastCommandSucceeded = succeeded;
+    setLastResultMessage(message);
+    refreshRunningApps();
+}
+
 void AppModel::openApp(const RunningAppInfo& app)
 {
     const bool opened = m_minimizer.openApp(app.id);
-    setLastResultMessage(opened ? nameMessage("Opened ", app) : nameMessage("Could not open ", app));
-    refreshRunningApps();
+    finishAppCommand(opened, opened ? nameMessage("Opened ", app) : nameMessage("Could not open ", app));
 }
 
 void AppModel::terminateApp(const RunningAppInfo& app)
 {
     const bool requested = m_minimizer.terminateApp(app.id);
-    setLastResultMessage(requested ? nameMessage("Requested normal close for ", app)
-                                   : nameMessage("Could not close ", app));
-    refreshRunningApps();
+    finishAppCommand(requested, requested ? nameMessage("Requested normal close for ", app)
+                                          : nameMessage("Could not close ", app));
 }
 
 void AppModel::forceTerminateApp(const RunningAppInfo& app)
 {
     const bool sent = m_minimizer.forceTerminateApp(app.id);
-    setLastResultMessage(sent ? nameMessage("Force quit sent to ", app) : nameMessage("Could not force quit ", app));
-    refreshRunningApps();
+    finishAppCommand(sent, sent ? nameMessage("Force quit sent to ", app) : nameMessage("Could not force quit ", app));
 }
 
 // ---- Launch at login and accessibility access ------------------------------------

@@ -37,6 +37,11 @@ public:
     QString lastResultMessage() const { return m_lastResultMessage; }
     const std::vector<RunningAppInfo>& runningApps() const { return m_runningApps; }
     bool launchesAtLogin() const { return m_launchesAtLogin; }
+    // How the last bulk or per-app command went: true when it acted (a count above zero, or a
+    // request the platform accepted); false when access was missing, nothing was found, the
+    // platform refused or an error ended it, and before any command. The panel shows only the
+    // sentence; the command line turns this into its exit status.
+    bool lastCommandSucceeded() const { return m_lastCommandSucceeded; }
 
     DefaultAction preferredDefaultAction() const;
 
@@ -82,6 +87,8 @@ private:
     // The shape shared by the four bulk commands: optional trust check, the minimizer call,
     // one sentence for the outcome, then a fresh list.
     void runBulkCommand(const BulkCommandTexts& texts, const std::function<std::int64_t()>& operation);
+    // The shape shared by the three per-app commands: one sentence either way, then a fresh list.
+    void finishAppCommand(bool succeeded, const QString& message);
 
     Platform& m_platform;
     WindowMinimizer m_minimizer;
@@ -91,6 +98,7 @@ private:
     QString m_lastResultMessage;
     std::vector<RunningAppInfo> m_runningApps;
     bool m_launchesAtLogin = false;
+    bool m_lastCommandSucceeded = false;
 
     friend class AppModelTimerProbe;   // lets tests fire a tick without waiting a second
 };

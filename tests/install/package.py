@@ -12,18 +12,11 @@ import shutil
 import subprocess
 import sys
 
+from processes import check, failures
+
 # Warnings lintian may give on this package, each with the reason it stays.
 ACCEPTED_LINTIAN_TAGS = {
 }
-
-failures = []
-
-
-def check(condition, what):
-    print(("ok   " if condition else "FAIL ") + what, flush=True)
-    if not condition:
-        failures.append(what)
-    return condition
 
 
 def run(argv, **kwargs):

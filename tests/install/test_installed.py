@@ -14,36 +14,7 @@ import time
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "ui", "e2e"))
 from testbed import TestBed          # noqa: E402
 from stowlydriver import Stowly      # noqa: E402
-
-failures = []
-
-
-def check(condition, what):
-    print(("ok   " if condition else "FAIL ") + what, flush=True)
-    if not condition:
-        failures.append(what)
-    return condition
-
-
-def alive(pid):
-    try:
-        with open(f"/proc/{pid}/stat") as f:
-            return f.read().split(")")[-1].split()[0] != "Z"
-    except OSError:
-        return False
-
-
-def instances_of(binary):
-    """Processes running this very file, whatever else runs on the machine."""
-    found = []
-    for entry in os.listdir("/proc"):
-        if entry.isdigit():
-            try:
-                if os.readlink(f"/proc/{entry}/exe") == binary and alive(int(entry)):
-                    found.append(int(entry))
-            except OSError:
-                pass
-    return found
+from processes import alive, check, failures, instances_of   # noqa: E402
 
 
 def main(binary):
@@ -62,6 +33,15 @@ def main(binary):
         windows = {pid: [w for w in bed.windows_of_pid(pid) if w in bed.client_windows()] for pid in pids}
 
         # ---- the tray program and one instance ------------------------------------------
+        # A preference file that a crash or a hand edit left behind: what Stowly cannot read
+        # gives the defaults, and reading leaves the file as it is.
+        folder = os.path.join(bed.env["XDG_CONFIG_HOME"], "Stowly")
+        os.makedirs(folder, exist_ok=True)
+        preferences = os.path.join(folder, "Stowly.conf")
+        garbage = (b"\xff\xfe[General]\ndefaultAction=@Variant(\\0\\0\\0\\x7f\\0\\0\\0\\x8NotAType)\n"
+                   b"enabledActions=@Rect(1 2 3 4)\nnote=kept\n[Broken\nx=\"cut off")
+        with open(preferences, "wb") as f:
+            f.write(garbage)
         first = Stowly(bed, binary).start()
         check(first.tray_icon() is not None, "the installed program puts its icon in the tray")
         time.sleep(1.0)
@@ -70,6 +50,12 @@ def main(binary):
         panel = bed.wait_for_value(first.panel_window, "the first instance's panel", 15)
         check(panel is not None, "a second start opens the running one's panel")
         check(instances_of(binary) == [first.pid], f"one process remains: {instances_of(binary)}")
+        tiles = ["Minimize All Windows", "Hide All Apps", "Close All Windows", "Force Quit All Apps"]
+        bed.wait_for(lambda: first.find(tiles[0], "push button") is not None, "the panel's tiles", 15)
+        check(all(first.find(tile, "push button") is not None for tile in tiles),
+              "unreadable preferences give the default: every action is offered")
+        with open(preferences, "rb") as f:
+            check(f.read() == garbage, "and the preference file is left as it was")
 
         # ---- reading ----------------------------------------------------------------------
         listed = stowly("list", "--json")

@@ -14,7 +14,25 @@ std::optional<std::string> SettingsPreferenceStore::string(const std::string& ke
     m_settings.sync();
     if (!m_settings.contains(qkey))
         return std::nullopt;
-    return m_settings.value(qkey).toString().toStdString();
+    return readableText(m_settings.value(qkey));
+}
+
+std::optional<std::string> SettingsPreferenceStore::readableText(const QVariant& value)
+{
+    switch (value.typeId()) {
+    case QMetaType::QString:
+        return value.toString().toStdString();
+    case QMetaType::QStringList:
+        // A hand-edited "enabledActions=minimize,hide" without quotes reads back as a list;
+        // the text in the file is what the user meant.
+        return value.toStringList().join(QLatin1Char(',')).toStdString();
+    case QMetaType::QByteArray:
+        return QString::fromUtf8(value.toByteArray()).toStdString();
+    default:
+        // An @Variant(...) that did not load, an @Rect(...): nothing a reader could
+        // take for the text, so the reader's default applies. The file keeps the value.
+        return std::nullopt;
+    }
 }
 
 void SettingsPreferenceStore::setString(const std::string& key, const std::string& value)
