@@ -1,8 +1,10 @@
 #include "StowlyViews.h"
 
 #include "AppIconImageProvider.h"
+#include "HeapRelease.h"
 #include "PanelViewModel.h"
 #include "RunningAppsListModel.h"
+#include "SceneGraphBackend.h"
 #include "SettingsViewModel.h"
 #include "SymbolImageProvider.h"
 #include "Theme.h"
@@ -22,15 +24,21 @@ StowlyViews::StowlyViews(AppModel& model, NotifyingPreferenceStore& preferences,
     // chosen before the first Controls type loads.
     if (QQuickStyle::name().isEmpty())
         QQuickStyle::setStyle(QStringLiteral("Fusion"));
+    chooseSceneGraphBackend();
 
-    auto icons = std::make_shared<AppIconCache>();
-    m_engine = new QQmlEngine(this);
+    m_icons = std::make_shared<AppIconCache>();
     m_theme = new Theme(this);
     m_panel = new PanelViewModel(model, preferences, this);
-    m_openApps = new RunningAppsListModel(model, icons, this);
+    m_openApps = new RunningAppsListModel(model, m_icons, this);
     m_settings = new SettingsViewModel(model, preferences, this);
+}
 
-    m_engine->addImageProvider(QStringLiteral("appicon"), new AppIconImageProvider(icons));
+QQmlEngine& StowlyViews::engine()
+{
+    if (m_engine)
+        return *m_engine;
+    m_engine = new QQmlEngine(this);
+    m_engine->addImageProvider(QStringLiteral("appicon"), new AppIconImageProvider(m_icons));
     m_engine->addImageProvider(QStringLiteral("symbol"), new SymbolImageProvider);
 
     QQmlContext* context = m_engine->rootContext();
@@ -39,9 +47,14 @@ StowlyViews::StowlyViews(AppModel& model, NotifyingPreferenceStore& preferences,
     context->setContextProperty(QStringLiteral("settings"), m_settings);
     context->setContextProperty(QStringLiteral("theme"), m_theme);
     context->setContextProperty(QStringLiteral("texts"), ViewTexts::asMap());
+    return *m_engine;
 }
 
-StowlyViews::~StowlyViews() = default;
+StowlyViews::~StowlyViews()
+{
+    // The engine goes before the objects its context names.
+    delete m_engine;
+}
 
 QUrl StowlyViews::viewUrl(const QString& fileName)
 {
@@ -60,7 +73,7 @@ QUrl StowlyViews::settingsUrl()
 
 QQuickView* StowlyViews::createPanelView(QWindow* parent)
 {
-    auto* view = new QQuickView(m_engine, parent);
+    auto* view = new QQuickView(&engine(), parent);
     view->setResizeMode(QQuickView::SizeViewToRootObject);
     view->setColor(m_theme->windowBackground);
     view->setTitle(ViewTexts::productName);   // what assistive technology calls the panel
@@ -68,9 +81,25 @@ QQuickView* StowlyViews::createPanelView(QWindow* parent)
     return view;
 }
 
+void StowlyViews::setPanelShown(bool shown)
+{
+    m_panel->setActive(shown);
+    m_openApps->setActive(shown);
+}
+
+void StowlyViews::releasePanelResources()
+{
+    m_openApps->release();
+    if (m_engine) {
+        m_engine->collectGarbage();
+        m_engine->trimComponentCache();
+    }
+    returnFreedHeapToSystem();
+}
+
 QQuickView* StowlyViews::createSettingsView(QWindow* parent)
 {
-    auto* view = new QQuickView(m_engine, parent);
+    auto* view = new QQuickView(&engine(), parent);
     view->setResizeMode(QQuickView::SizeViewToRootObject);
     view->setColor(m_theme->windowBackground);
     view->setTitle(ViewTexts::settingsWindowTitle);
