@@ -10,6 +10,8 @@
 #include "Theme.h"
 #include "ViewTexts.h"
 
+#include <algorithm>
+
 #include <QQmlContext>
 #include <QQmlEngine>
 #include <QQuickStyle>
@@ -78,6 +80,14 @@ QQuickView* StowlyViews::createPanelView(QWindow* parent)
     view->setColor(m_theme->windowBackground);
     view->setTitle(ViewTexts::productName);   // what assistive technology calls the panel
     view->setSource(panelUrl());
+    return track(view);
+}
+
+QQuickView* StowlyViews::track(QQuickView* view)
+{
+    m_views.erase(std::remove_if(m_views.begin(), m_views.end(), [](const QPointer<QQuickView>& v) { return v.isNull(); }),
+                  m_views.end());
+    m_views.emplace_back(view);
     return view;
 }
 
@@ -91,8 +101,17 @@ void StowlyViews::releasePanelResources()
 {
     m_openApps->release();
     if (m_engine) {
-        m_engine->collectGarbage();
-        m_engine->trimComponentCache();
+        const bool inUse = std::any_of(m_views.begin(), m_views.end(), [](const QPointer<QQuickView>& v) { return !v.isNull(); });
+        if (inUse) {
+            m_engine->collectGarbage();
+            m_engine->trimComponentCache();
+        } else {
+            // The script heap, the compiled views and the style's components go with it;
+            // the next view makes a new one.
+            delete m_engine;
+            m_engine = nullptr;
+            m_views.clear();
+        }
     }
     returnFreedHeapToSystem();
 }
@@ -104,7 +123,7 @@ QQuickView* StowlyViews::createSettingsView(QWindow* parent)
     view->setColor(m_theme->windowBackground);
     view->setTitle(ViewTexts::settingsWindowTitle);
     view->setSource(settingsUrl());
-    return view;
+    return track(view);
 }
 
 } // namespace stowly

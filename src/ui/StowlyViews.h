@@ -3,7 +3,10 @@
 #include "AppIconCache.h"
 
 #include <QObject>
+#include <QPointer>
 #include <QUrl>
+
+#include <vector>
 
 class QQmlEngine;
 class QQuickView;
@@ -45,12 +48,16 @@ public:
     // While the panel is closed its view models stay quiet (no signals, no icon decoding)
     // though the model goes on refreshing; showing it brings them up to date at once.
     void setPanelShown(bool shown);
-    // After the panel's view was destroyed: drops its rows and decoded icons, collects
-    // the script engine's garbage and unused compiled components, and gives freed heap back.
+    // After the panel's view was destroyed: drops its rows and decoded icons, the script
+    // engine with its compiled components when no other view uses it (else its garbage),
+    // and gives freed heap back.
     void releasePanelResources();
 
 private:
+    QQuickView* track(QQuickView* view);
+
     QQmlEngine* m_engine = nullptr;
+    std::vector<QPointer<QQuickView>> m_views;   // every view made on the engine
     AppIconCacheRef m_icons;
     Theme* m_theme;
     PanelViewModel* m_panel;
