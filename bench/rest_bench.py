@@ -18,6 +18,7 @@ import os
 import platform
 import re
 import shutil
+import signal
 import statistics
 import subprocess
 import sys
@@ -379,6 +380,13 @@ def main():
     subjects.append(Subject("bare", "bare Qt tray icon (QSystemTrayIcon + menu)", [args.baretray]))
     if shutil.which("parcellite"):
         subjects.append(Subject("parcellite", "parcellite (GTK 2 clipboard tray app)", ["parcellite", "-n"]))
+
+    def leave(signum, _frame):
+        raise SystemExit(128 + signum)
+
+    # Ended from outside, the desktop and everything on it still go.
+    for sig in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+        signal.signal(sig, leave)
 
     started = datetime.datetime.utcnow()
     bed = TestBed().start(tray=True, accessibility=False)
