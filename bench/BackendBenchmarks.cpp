@@ -11,6 +11,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <chrono>
 #include <memory>
 #include <thread>
@@ -68,6 +69,35 @@ void runningApps(benchmark::State& state)
     state.counters["apps"] = static_cast<double>(apps);
 }
 
+// Whether two lists say the same: the same apps in the same order, with the same names,
+// states, icons and memory figures.
+bool sameList(const std::vector<RunningAppInfo>& a, const std::vector<RunningAppInfo>& b)
+{
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const RunningAppInfo& x, const RunningAppInfo& y) {
+        const bool sameIcon = (!x.icon && !y.icon)
+            || (x.icon && y.icon && x.icon->width == y.icon->width && x.icon->height == y.icon->height
+                && x.icon->argb == y.icon->argb);
+        return x.id == y.id && x.name == y.name && x.isHidden == y.isHidden && x.isActive == y.isActive
+            && x.memoryBytes == y.memoryBytes && sameIcon;
+    });
+}
+
+// The tick reuses what did not change since the previous one; its list must still equal
+// what a backend that has read nothing before sees. Idle apps' memory can move between
+// two reads, so a difference is read again a few times before it counts.
+bool matchesFreshRead(AppModel& model)
+{
+    for (int attempt = 0; attempt < 5; ++attempt) {
+        const auto freshBackend = makeBenchBackend();
+        const AppModel fresh(freshBackend->platform());
+        model.refreshSnapshot();
+        if (sameList(model.runningApps(), fresh.runningApps()))
+            return true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+    return false;
+}
+
 void refreshSnapshot(benchmark::State& state)
 {
     auto& env = Environment::get();
@@ -79,6 +109,8 @@ void refreshSnapshot(benchmark::State& state)
         state.SetIterationTime(seconds(end - start));
     }
     state.counters["apps"] = static_cast<double>(env.model->runningApps().size());
+    if (!matchesFreshRead(*env.model))
+        state.SkipWithError("the refreshed list differs from a fresh full read");
 }
 
 void minimizeAllWindows(benchmark::State& state, const BenchOptions& options)

@@ -519,6 +519,9 @@ READING_NOTES = """How to read it:
   one-second refresh running and nothing else happening on the display; resident memory at its end.
   It runs on the desktop of the end-to-end tests (Xvfb, openbox, tint2 with a tray): first with the
   panel closed, then, after a click on the tray icon, with the panel open for as long again.
+- Stowly at rest beside a bare Qt tray icon and a Debian tray app, the renderer choice, the
+  click-to-first-frame time and memory over many open/close cycles: `benchmarks-at-rest.md`
+  (`scripts/bench-rest`).
 """
 
 

@@ -21,6 +21,18 @@ void AppIconCache::update(const std::vector<std::pair<std::int32_t, AppIconRef>>
     m_entries = std::move(kept);
 }
 
+void AppIconCache::clear()
+{
+    QMutexLocker lock(&m_mutex);
+    QHash<std::int32_t, Entry>().swap(m_entries);
+}
+
+std::size_t AppIconCache::size() const
+{
+    QMutexLocker lock(&m_mutex);
+    return std::size_t(m_entries.size());
+}
+
 QString AppIconCache::url(std::int32_t pid) const
 {
     QMutexLocker lock(&m_mutex);

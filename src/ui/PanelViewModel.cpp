@@ -16,12 +16,21 @@ PanelViewModel::PanelViewModel(AppModel& model, NotifyingPreferenceStore& prefer
     , m_preferences(preferences)
 {
     connect(&m_preferences, &NotifyingPreferenceStore::enabledActionsChanged, this, [this] {
+        if (!m_active)
+            return;
         emit actionsChanged();
         emit availabilityChanged();
     });
-    connect(&m_model, &AppModel::hasAccessibilityPermissionChanged, this, &PanelViewModel::availabilityChanged);
-    connect(&m_model, &AppModel::runningAppsChanged, this, &PanelViewModel::availabilityChanged);
-    connect(&m_model, &AppModel::lastResultMessageChanged, this, &PanelViewModel::resultMessageChanged);
+    const auto availability = [this] {
+        if (m_active)
+            emit availabilityChanged();
+    };
+    connect(&m_model, &AppModel::hasAccessibilityPermissionChanged, this, availability);
+    connect(&m_model, &AppModel::runningAppsChanged, this, availability);
+    connect(&m_model, &AppModel::lastResultMessageChanged, this, [this] {
+        if (m_active)
+            emit resultMessageChanged();
+    });
 }
 
 static std::vector<DefaultAction> enabledActionsInOrder(const PreferenceStore& preferences)
@@ -76,6 +85,18 @@ QString PanelViewModel::openAppsHeading() const
 bool PanelViewModel::hasOpenApps() const
 {
     return !m_model.runningApps().empty();
+}
+
+void PanelViewModel::setActive(bool active)
+{
+    if (active == m_active)
+        return;
+    m_active = active;
+    if (!m_active)
+        return;
+    emit actionsChanged();
+    emit availabilityChanged();
+    emit resultMessageChanged();
 }
 
 void PanelViewModel::performAction(const QString& rawValue)

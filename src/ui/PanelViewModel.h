@@ -48,6 +48,11 @@ public:
     // keyboard focus when the panel opens.
     Q_INVOKABLE QString defaultActionRawValue() const;
 
+    // While inactive (the panel is closed) no change signal goes out; becoming active
+    // sends each of them once, so that a shown view reads everything afresh.
+    void setActive(bool active);
+    bool isActive() const { return m_active; }
+
 signals:
     void actionsChanged();
     void availabilityChanged();
@@ -59,6 +64,7 @@ signals:
 private:
     AppModel& m_model;
     NotifyingPreferenceStore& m_preferences;
+    bool m_active = true;
 };
 
 } // namespace stowly

@@ -3,10 +3,14 @@
 #include "TaskbarHints.h"
 
 #include <QGuiApplication>
+#include <QLoggingCategory>
 #include <QQuickView>
 #include <QScreen>
 
 namespace stowly {
+
+// "stowly.panel.debug=true" in QT_LOGGING_RULES prints how long each opening took.
+Q_LOGGING_CATEGORY(lcPanel, "stowly.panel", QtWarningMsg)
 
 namespace {
 // A tray click arrives just after the focus loss it caused; this tells them apart.
@@ -14,17 +18,13 @@ constexpr qint64 kFocusLossClickWindowMs = 300;
 constexpr int kGapToIcon = 4;
 } // namespace
 
-PanelWindow::PanelWindow(QQuickView* view, QObject* parent)
+PanelWindow::PanelWindow(ViewFactory makeView, QObject* parent)
     : QObject(parent)
-    , m_view(view)
+    , m_makeView(std::move(makeView))
 {
-    m_view->setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
-    connect(m_view, &QWindow::activeChanged, this, &PanelWindow::onActiveChanged);
-    // The panel grows and shrinks with its content; keep it attached to the icon.
-    connect(m_view, &QWindow::heightChanged, this, [this] {
-        if (m_view->isVisible())
-            place();
-    });
+    m_releaseTimer.setSingleShot(true);
+    m_releaseTimer.setInterval(kDefaultReleaseDelay);
+    connect(&m_releaseTimer, &QTimer::timeout, this, &PanelWindow::releaseView);
 }
 
 PanelWindow::~PanelWindow()
@@ -32,14 +32,31 @@ PanelWindow::~PanelWindow()
     delete m_view;
 }
 
+QQuickView& PanelWindow::view()
+{
+    if (m_view)
+        return *m_view;
+    m_view = m_makeView();
+    m_viewWasMade = true;
+    m_view->setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
+    connect(m_view, &QWindow::activeChanged, this, &PanelWindow::onActiveChanged);
+    connect(m_view, &QQuickWindow::frameSwapped, this, &PanelWindow::onFrameSwapped);
+    // The panel grows and shrinks with its content; keep it attached to the icon.
+    connect(m_view, &QWindow::heightChanged, this, [this] {
+        if (m_view->isVisible())
+            place();
+    });
+    return *m_view;
+}
+
 bool PanelWindow::isVisible() const
 {
-    return m_view->isVisible();
+    return m_view && m_view->isVisible();
 }
 
 void PanelWindow::toggle(const QRect& anchor)
 {
-    if (m_view->isVisible()) {
+    if (isVisible()) {
         hide();
         return;
     }
@@ -50,17 +67,40 @@ void PanelWindow::toggle(const QRect& anchor)
 
 void PanelWindow::show(const QRect& anchor)
 {
+    m_sinceOpenRequest.start();
+    m_awaitingFirstFrame = true;
+    m_viewWasMade = false;
+    m_releaseTimer.stop();
+    emit aboutToShow();
+    QQuickView& shown = view();
     m_anchor = anchor;
     place();
-    TaskbarHints::skipTaskbarAndPager(*m_view);
-    m_view->show();
-    m_view->raise();
-    m_view->requestActivate();
+    TaskbarHints::skipTaskbarAndPager(shown);
+    shown.show();
+    shown.raise();
+    shown.requestActivate();
 }
 
 void PanelWindow::hide()
 {
+    if (!isVisible())
+        return;
     m_view->hide();
+    m_awaitingFirstFrame = false;
+    m_releaseTimer.start();
+    qCDebug(lcPanel, "panel closed");
+    emit hidden();
+}
+
+void PanelWindow::releaseView()
+{
+    if (!m_view || m_view->isVisible())
+        return;
+    // Reached from our own timer only, never from one of the view's signals.
+    delete m_view;
+    m_view = nullptr;
+    qCDebug(lcPanel, "panel view released");
+    emit released();
 }
 
 void PanelWindow::place()
@@ -68,7 +108,7 @@ void PanelWindow::place()
     QScreen* screen = QGuiApplication::screenAt(m_anchor.center());
     if (!screen)
         screen = QGuiApplication::primaryScreen();
-    if (!screen)
+    if (!screen || !m_view)
         return;
     m_view->setPosition(placement(m_view->size(), m_anchor, screen->geometry()));
 }
@@ -85,10 +125,20 @@ QPoint PanelWindow::placement(const QSize& size, const QRect& anchor, const QRec
 
 void PanelWindow::onActiveChanged()
 {
-    if (!m_view->isActive() && m_view->isVisible()) {
+    if (m_view && !m_view->isActive() && m_view->isVisible()) {
         m_sinceFocusLoss.start();
-        m_view->hide();
+        hide();
     }
+}
+
+void PanelWindow::onFrameSwapped()
+{
+    if (!m_awaitingFirstFrame)
+        return;
+    m_awaitingFirstFrame = false;
+    ++m_opens;
+    qCDebug(lcPanel, "panel open %d: first frame %.2f ms after the request (%s)", m_opens,
+            double(m_sinceOpenRequest.nsecsElapsed()) / 1e6, m_viewWasMade ? "view made" : "view kept");
 }
 
 } // namespace stowly

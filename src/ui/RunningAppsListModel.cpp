@@ -13,8 +13,31 @@ RunningAppsListModel::RunningAppsListModel(AppModel& model, AppIconCacheRef icon
     , m_model(model)
     , m_icons(std::move(icons))
 {
-    connect(&m_model, &AppModel::runningAppsChanged, this, &RunningAppsListModel::synchronize);
+    connect(&m_model, &AppModel::runningAppsChanged, this, [this] {
+        if (m_active)
+            synchronize();
+    });
     synchronize();
+}
+
+void RunningAppsListModel::setActive(bool active)
+{
+    if (active == m_active)
+        return;
+    m_active = active;
+    if (m_active)
+        synchronize();
+}
+
+void RunningAppsListModel::release()
+{
+    if (!m_apps.empty()) {
+        beginResetModel();
+        std::vector<RunningAppInfo>().swap(m_apps);
+        endResetModel();
+        emit countChanged();
+    }
+    m_icons->clear();
 }
 
 int RunningAppsListModel::rowCount(const QModelIndex& parent) const

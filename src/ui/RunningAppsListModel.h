@@ -37,6 +37,16 @@ public:
     QHash<int, QByteArray> roleNames() const override;
     int count() const { return int(m_apps.size()); }
 
+    // While inactive (the panel is closed) the rows stay as they are: no row signals and
+    // no icon conversion on the model's refreshes. Becoming active catches up at once.
+    void setActive(bool active);
+    bool isActive() const { return m_active; }
+    // Drops every row and every converted icon (the view that showed them is gone);
+    // the next activation builds them again.
+    void release();
+    // The converted icons of the rows shown.
+    const AppIconCache& icons() const { return *m_icons; }
+
     // The row's menu entries; each hands the row's record to the model.
     Q_INVOKABLE void openApp(int row);
     Q_INVOKABLE void terminateApp(int row);
@@ -53,6 +63,7 @@ private:
     AppModel& m_model;
     AppIconCacheRef m_icons;
     std::vector<RunningAppInfo> m_apps;
+    bool m_active = true;
 };
 
 } // namespace stowly

@@ -3,7 +3,10 @@
 #include "AppIconCache.h"
 
 #include <QObject>
+#include <QPointer>
 #include <QUrl>
+
+#include <vector>
 
 class QQmlEngine;
 class QQuickView;
@@ -32,7 +35,8 @@ public:
     static QUrl settingsUrl();   // qrc:/Stowly/SettingsView.qml
     static QUrl viewUrl(const QString& fileName);
 
-    QQmlEngine& engine() { return *m_engine; }
+    // Made with the first view: a tray icon that was never clicked runs no script engine.
+    QQmlEngine& engine();
     PanelViewModel& panel() { return *m_panel; }
     RunningAppsListModel& openApps() { return *m_openApps; }
     SettingsViewModel& settings() { return *m_settings; }
@@ -41,8 +45,20 @@ public:
     QQuickView* createPanelView(QWindow* parent = nullptr);
     QQuickView* createSettingsView(QWindow* parent = nullptr);
 
+    // While the panel is closed its view models stay quiet (no signals, no icon decoding)
+    // though the model goes on refreshing; showing it brings them up to date at once.
+    void setPanelShown(bool shown);
+    // After the panel's view was destroyed: drops its rows and decoded icons, the script
+    // engine with its compiled components when no other view uses it (else its garbage),
+    // and gives freed heap back.
+    void releasePanelResources();
+
 private:
-    QQmlEngine* m_engine;
+    QQuickView* track(QQuickView* view);
+
+    QQmlEngine* m_engine = nullptr;
+    std::vector<QPointer<QQuickView>> m_views;   // every view made on the engine
+    AppIconCacheRef m_icons;
     Theme* m_theme;
     PanelViewModel* m_panel;
     RunningAppsListModel* m_openApps;

@@ -20,8 +20,14 @@ TrayController::TrayController(StowlyViews& views, QObject* parent)
     : QObject(parent)
     , m_views(views)
     , m_tray(new QSystemTrayIcon(StatusIcon::icon(), this))
-    , m_panel(new PanelWindow(views.createPanelView(), this))
+    , m_panel(new PanelWindow([&views] { return views.createPanelView(); }, this))
 {
+    // The panel starts closed: its view models rest, holding no rows or icons, until it opens.
+    m_views.setPanelShown(false);
+    m_views.releasePanelResources();
+    connect(m_panel, &PanelWindow::aboutToShow, this, [this] { m_views.setPanelShown(true); });
+    connect(m_panel, &PanelWindow::hidden, this, [this] { m_views.setPanelShown(false); });
+    connect(m_panel, &PanelWindow::released, &m_views, &StowlyViews::releasePanelResources);
     m_tray->setToolTip(ViewTexts::productName);
     connect(m_tray, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
         if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick)

@@ -460,3 +460,84 @@ TEST(ModelSettings, LaunchAtLoginWritesAndRemovesTheAutostartEntry)
     }
     setenv("XDG_CONFIG_HOME", saved.c_str(), 1);
 }
+
+namespace {
+
+// Two lists that say the same: apps, order, names, states, icons and memory.
+::testing::AssertionResult sameList(const std::vector<RunningAppInfo>& kept, const std::vector<RunningAppInfo>& fresh)
+{
+    if (kept.size() != fresh.size())
+        return ::testing::AssertionFailure() << kept.size() << " rows against " << fresh.size() << " in a fresh read";
+    for (std::size_t i = 0; i < kept.size(); ++i) {
+        const RunningAppInfo& a = kept[i];
+        const RunningAppInfo& b = fresh[i];
+        const bool sameIcon = (!a.icon && !b.icon)
+            || (a.icon && b.icon && a.icon->width == b.icon->width && a.icon->argb == b.icon->argb);
+        if (a.id != b.id || a.name != b.name || a.isHidden != b.isHidden || a.isActive != b.isActive || !sameIcon
+            || a.memoryBytes != b.memoryBytes)
+            return ::testing::AssertionFailure()
+                << "row " << i << ": " << a.id << " " << a.name.toStdString() << " " << a.status().toStdString() << " "
+                << a.memoryBytes.value_or(0) << (a.icon ? " icon" : "") << " against " << b.id << " "
+                << b.name.toStdString() << " " << b.status().toStdString() << " " << b.memoryBytes.value_or(0)
+                << (b.icon ? " icon" : "");
+    }
+    return ::testing::AssertionSuccess();
+}
+
+// The model's tick (which reuses what it read before) against a backend that has read
+// nothing yet. Idle apps' memory can move between two reads: a difference is read again.
+::testing::AssertionResult tickEqualsFreshRead(AppModel& model)
+{
+    ::testing::AssertionResult last = ::testing::AssertionSuccess();
+    for (int attempt = 0; attempt < 10; ++attempt) {
+        x11::LinuxPlatform freshLinux;
+        const AppModel fresh(freshLinux.platform());
+        model.refreshSnapshot();
+        last = sameList(model.runningApps(), fresh.runningApps());
+        if (last)
+            return last;
+        usleep(100 * 1000);
+    }
+    return last;
+}
+
+} // namespace
+
+TEST(OpenApps, EveryTickEqualsAFreshReadAsTheDesktopChanges)
+{
+    ASSERT_TRUE(sharedDisplay().ok());
+    Apps apps;
+    const int first = apps.startTestWindow("tick-first", {"--alloc-mb", "8", "--class", "tickfirst", "TickFirst"});
+    const int second = apps.startTestWindow("tick-second", {"--class", "ticksecond", "TickSecond"});
+    apps.startXterm("tick-term");
+    for (const char* t : {"tick-first", "tick-second", "tick-term"})
+        ASSERT_NE(waitForWindowTitled(t), 0u) << t;
+
+    x11::LinuxPlatform linux_;
+    AppModel model(linux_.platform());
+    EXPECT_TRUE(tickEqualsFreshRead(model)) << "at the start";
+    EXPECT_TRUE(tickEqualsFreshRead(model)) << "with nothing changed";
+
+    // A window minimized behind our back, then one hidden by us.
+    run("xdotool windowminimize " + std::to_string(windowOfTitle("tick-second")));
+    ASSERT_TRUE(waitUntil([] { return isIconic(windowOfTitle("tick-second")); }));
+    EXPECT_TRUE(tickEqualsFreshRead(model)) << "after a minimize";
+    const auto listed = model.runningApps();
+    const auto firstRow = std::find_if(listed.begin(), listed.end(), [&](const RunningAppInfo& r) { return r.id == first; });
+    ASSERT_NE(firstRow, listed.end());
+    model.openApp(*firstRow);
+    EXPECT_TRUE(tickEqualsFreshRead(model)) << "after an activation";
+
+    // An app leaves, another arrives (possibly under a reused window id).
+    kill(second);
+    ASSERT_TRUE(waitUntil([] { return windowOfTitle("tick-second") == 0; }));
+    EXPECT_TRUE(tickEqualsFreshRead(model)) << "after an app left";
+    apps.startTestWindow("tick-third", {"--class", "tickthird", "TickThird"});
+    ASSERT_NE(waitForWindowTitled("tick-third"), 0u);
+    EXPECT_TRUE(tickEqualsFreshRead(model)) << "after an app arrived";
+
+    // A window renamed in place: its row's name comes from the class, which stays.
+    run("xdotool set_window --name tick-first-renamed " + std::to_string(windowOfTitle("tick-first")));
+    ASSERT_TRUE(waitUntil([] { return windowOfTitle("tick-first-renamed") != 0; }));
+    EXPECT_TRUE(tickEqualsFreshRead(model)) << "after a rename";
+}
