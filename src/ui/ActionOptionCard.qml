@@ -1,4 +1,5 @@
 import QtQuick
+import Stowly
 import QtQuick.Controls
 
 // A large clickable card for one action: its symbol on a tile, a check box, its short
@@ -11,12 +12,12 @@ Button {
     property bool isSelected: false
     signal select()
 
-    readonly property color accentAt006: Qt.rgba(theme.accent.r, theme.accent.g, theme.accent.b, 0.06)
-    readonly property color accentAt014: Qt.rgba(theme.accent.r, theme.accent.g, theme.accent.b, 0.14)
-    readonly property color cardBackground: isSelected ? accentAt006 : theme.controlBackground
-    readonly property color iconBackground: isSelected ? accentAt014 : theme.control
-    readonly property color iconForeground: isSelected ? theme.accent : theme.secondary
-    readonly property color borderColor: isSelected ? theme.accent : theme.separator
+    readonly property color accentAt006: Qt.rgba(Theme.accent.r, Theme.accent.g, Theme.accent.b, 0.06)
+    readonly property color accentAt014: Qt.rgba(Theme.accent.r, Theme.accent.g, Theme.accent.b, 0.14)
+    readonly property color cardBackground: isSelected ? accentAt006 : Theme.controlBackground
+    readonly property color iconBackground: isSelected ? accentAt014 : Theme.control
+    readonly property color iconForeground: isSelected ? Theme.accent : Theme.secondary
+    readonly property color borderColor: isSelected ? Theme.accent : Theme.separator
     readonly property int borderWidth: isSelected ? 2 : 1
 
     objectName: "actionCard_" + option.rawValue
@@ -52,7 +53,7 @@ Button {
             color: "transparent"
             visible: card.activeFocus
             border.width: 2
-            border.color: theme.accent
+            border.color: Theme.accent
         }
     }
 
@@ -90,8 +91,8 @@ Button {
             objectName: "cardTitle"
             width: parent.width
             text: card.option.shortTitle
-            color: theme.primary
-            font.pixelSize: theme.headlineSize
+            color: Theme.primary
+            font.pixelSize: Theme.headlineSize
             font.weight: Font.DemiBold
             wrapMode: Text.Wrap
             Accessible.ignored: true
@@ -101,8 +102,8 @@ Button {
             objectName: "cardSummary"
             width: parent.width
             text: card.option.cardSummary
-            color: theme.secondary
-            font.pixelSize: theme.subheadlineSize
+            color: Theme.secondary
+            font.pixelSize: Theme.subheadlineSize
             wrapMode: Text.Wrap
             horizontalAlignment: Text.AlignLeft
             Accessible.ignored: true

@@ -1,4 +1,5 @@
 import QtQuick
+import Stowly
 
 // An app's icon in a 24-point rounded square (the provider rounds the corners), or the
 // dashed app symbol, inset 4, when the app has none.
@@ -16,7 +17,8 @@ Item {
         anchors.fill: parent
         visible: appIcon.source.length > 0
         source: appIcon.source
-        sourceSize: Qt.size(24, 24)
+        sourceSize.width: 24
+        sourceSize.height: 24
         smooth: true
     }
 
@@ -27,6 +29,6 @@ Item {
         size: 16
         visible: appIcon.source.length === 0
         name: "app.dashed"
-        tint: theme.secondary
+        tint: Theme.secondary
     }
 }

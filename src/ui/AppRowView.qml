@@ -1,4 +1,5 @@
 import QtQuick
+import Stowly
 import QtQuick.Controls
 import QtQuick.Layouts
 
@@ -15,6 +16,13 @@ Item {
     required property color statusColor
     required property string iconUrl
     required property string menuName
+
+    // The row menu's entries; the panel hands them to the open-apps list.
+    signal openRequested()
+    signal closeRequested()
+    signal forceQuitRequested()
+    // The row's menu button took the keyboard focus: the list shows the row whole.
+    signal keyboardFocusEntered()
 
     objectName: "appRow_" + index
     implicitHeight: content.implicitHeight + 4
@@ -42,8 +50,8 @@ Item {
                 objectName: "rowName"
                 text: row.name
                 textFormat: Text.PlainText   // another program's name, shown as it is
-                color: theme.primary
-                font.pixelSize: theme.subheadlineSize
+                color: Theme.primary
+                font.pixelSize: Theme.subheadlineSize
                 maximumLineCount: 1
                 elide: Text.ElideRight
                 Layout.fillWidth: true
@@ -54,8 +62,8 @@ Item {
                 objectName: "rowStatusLine"
                 text: row.statusLine
                 textFormat: Text.PlainText
-                color: theme.secondary
-                font.pixelSize: theme.captionSize
+                color: Theme.secondary
+                font.pixelSize: Theme.captionSize
                 // No line limit: a narrow row wraps the memory text rather than cut it.
                 wrapMode: Text.Wrap
                 Layout.fillWidth: true
@@ -85,7 +93,7 @@ Item {
                 anchors.centerIn: parent
                 text: row.status
                 color: row.statusColor
-                font.pixelSize: theme.captionSize
+                font.pixelSize: Theme.captionSize
                 font.weight: Font.Medium
                 Accessible.role: Accessible.StaticText
                 Accessible.name: text
@@ -102,6 +110,7 @@ Item {
             text: row.menuName
             display: AbstractButton.IconOnly
             onClicked: openMenu(false)
+            onActiveFocusChanged: if (activeFocus) row.keyboardFocusEntered()
             Keys.onReturnPressed: openMenu(true)
             Keys.onEnterPressed: openMenu(true)
             Keys.onPressed: (event) => {
@@ -129,11 +138,11 @@ Item {
                 radius: height / 2
                 color: "transparent"
                 border.width: menuButton.activeFocus ? 2 : 0
-                border.color: theme.accent
+                border.color: Theme.accent
             }
             contentItem: SymbolImage {
                 name: "ellipsis.circle"
-                tint: theme.secondary
+                tint: Theme.secondary
                 size: 17
             }
 
@@ -146,22 +155,22 @@ Item {
 
                 MenuItem {
                     objectName: "rowMenuOpen"
-                    text: texts.openApp
-                    onTriggered: openApps.openApp(row.index)
+                    text: Texts.openApp
+                    onTriggered: row.openRequested()
                     Accessible.name: text
                     Accessible.onPressAction: if (enabled) clicked()
                 }
                 MenuItem {
                     objectName: "rowMenuCloseApp"
-                    text: texts.closeApp
-                    onTriggered: openApps.terminateApp(row.index)
+                    text: Texts.closeApp
+                    onTriggered: row.closeRequested()
                     Accessible.name: text
                     Accessible.onPressAction: if (enabled) clicked()
                 }
                 MenuItem {
                     objectName: "rowMenuForceQuit"
-                    text: texts.forceQuitApp
-                    onTriggered: openApps.forceTerminateApp(row.index)
+                    text: Texts.forceQuitApp
+                    onTriggered: row.forceQuitRequested()
                     Accessible.name: text
                     Accessible.onPressAction: if (enabled) clicked()
                 }

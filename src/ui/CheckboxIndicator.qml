@@ -1,4 +1,5 @@
 import QtQuick
+import Stowly
 
 // The check box glyph: a 24-point rounded square, filled with the accent colour and
 // carrying a white check mark when selected.
@@ -16,7 +17,7 @@ Item {
         objectName: "checkboxBox"
         anchors.fill: parent
         radius: 7
-        color: indicator.isSelected ? theme.accent : theme.windowBackground
+        color: indicator.isSelected ? Theme.accent : Theme.windowBackground
         antialiasing: true
     }
 
@@ -31,7 +32,7 @@ Item {
         radius: 7 + border.width / 2
         color: "transparent"
         border.width: 1.5
-        border.color: indicator.isSelected ? theme.accent : theme.separator
+        border.color: indicator.isSelected ? Theme.accent : Theme.separator
         antialiasing: true
     }
 
@@ -40,7 +41,7 @@ Item {
         anchors.centerIn: parent
         visible: indicator.isSelected
         name: "checkmark"
-        tint: theme.white
+        tint: Theme.white
         // The glyph fills 60 % of its square: 18 gives the 11-point-wide mark of a
         // 12-point bold check.
         size: 18

@@ -1,4 +1,5 @@
 import QtQuick
+import Stowly
 import QtQuick.Controls
 
 // A clickable row with a check box, a title and a wrapping subtitle. It shows `isOn` and
@@ -34,7 +35,7 @@ Button {
 
     background: Rectangle {
         radius: 16
-        color: theme.controlBackground
+        color: Theme.controlBackground
 
         // The keyboard focus ring, just outside the plate.
         Rectangle {
@@ -45,7 +46,7 @@ Button {
             color: "transparent"
             visible: row.activeFocus
             border.width: 2
-            border.color: theme.accent
+            border.color: Theme.accent
         }
     }
 
@@ -64,8 +65,8 @@ Button {
                 objectName: "checkboxRowTitle"
                 width: parent.width
                 text: row.title
-                color: row.isEnabled ? theme.primary : theme.secondary
-                font.pixelSize: theme.headlineSize
+                color: row.isEnabled ? Theme.primary : Theme.secondary
+                font.pixelSize: Theme.headlineSize
                 font.weight: Font.DemiBold
                 wrapMode: Text.Wrap
                 Accessible.ignored: true
@@ -74,8 +75,8 @@ Button {
                 objectName: "checkboxRowSubtitle"
                 width: parent.width
                 text: row.subtitle
-                color: theme.secondary
-                font.pixelSize: theme.subheadlineSize
+                color: Theme.secondary
+                font.pixelSize: Theme.subheadlineSize
                 wrapMode: Text.Wrap
                 Accessible.ignored: true
             }

@@ -1,4 +1,5 @@
 import QtQuick
+import Stowly
 import QtQuick.Controls
 
 // A tile that runs one bulk action: its symbol on a tinted badge above its title.
@@ -33,9 +34,9 @@ Button {
     background: Rectangle {
         objectName: "tileBackground"
         radius: 12
-        color: theme.controlBackground
+        color: Theme.controlBackground
         border.width: tile.activeFocus ? 2 : 0
-        border.color: theme.accent
+        border.color: Theme.accent
     }
 
     contentItem: Column {
@@ -46,13 +47,13 @@ Button {
             width: 40
             height: 40
             radius: 10
-            color: Qt.rgba(theme.accent.r, theme.accent.g, theme.accent.b, 0.12)
+            color: Qt.rgba(Theme.accent.r, Theme.accent.g, Theme.accent.b, 0.12)
 
             SymbolImage {
                 objectName: "tileSymbol"
                 anchors.centerIn: parent
                 name: tile.bulkAction.systemImage
-                tint: theme.accent
+                tint: Theme.accent
                 size: 21
             }
         }
@@ -62,8 +63,8 @@ Button {
             width: parent.width
             text: tile.text
             textFormat: Text.PlainText
-            color: theme.primary
-            font.pixelSize: theme.captionSize
+            color: Theme.primary
+            font.pixelSize: Theme.captionSize
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.Wrap
             maximumLineCount: 2

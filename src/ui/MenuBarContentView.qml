@@ -1,4 +1,7 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
+import Stowly
 import QtQuick.Controls
 
 // The panel under the tray icon: title, last result, access warning, the enabled bulk
@@ -6,20 +9,24 @@ import QtQuick.Controls
 Rectangle {
     id: root
 
+    // Set by the program that makes the view.
+    required property PanelViewModel panel
+    required property RunningAppsListModel openApps
+
     objectName: "menuBarContentView"
     width: 340
     implicitHeight: stack.implicitHeight + 2 * 14
     height: implicitHeight
-    color: theme.windowBackground
+    color: Theme.windowBackground
     border.width: 1
-    border.color: theme.separator
+    border.color: Theme.separator
 
     Accessible.role: Accessible.Pane
-    Accessible.name: texts.productName
+    Accessible.name: Texts.productName
 
     // Keys that no control took: Escape closes the panel (an open row menu takes it first).
     focus: true
-    Keys.onEscapePressed: panel.dismiss()
+    Keys.onEscapePressed: root.panel.dismiss()
 
     // Each time the panel comes up, the keyboard starts on the default action's tile, or
     // on the first tile that can act when that one is disabled or not offered.
@@ -28,7 +35,7 @@ Rectangle {
     Component.onCompleted: if (windowActive) focusDefaultTile()
 
     function focusDefaultTile() {
-        const preferred = panel.defaultActionRawValue()
+        const preferred = root.panel.defaultActionRawValue()
         let fallback = null
         for (let i = 0; i < tiles.count; ++i) {
             const tile = tiles.itemAt(i)
@@ -50,7 +57,7 @@ Rectangle {
     Shortcut {
         sequence: "Ctrl+Q"
         context: Qt.WindowShortcut
-        onActivated: panel.quit()
+        onActivated: root.panel.quit()
     }
 
     Column {
@@ -63,9 +70,9 @@ Rectangle {
 
         Text {
             objectName: "titleText"
-            text: texts.productName
-            color: theme.primary
-            font.pixelSize: theme.headlineSize
+            text: Texts.productName
+            color: Theme.primary
+            font.pixelSize: Theme.headlineSize
             font.weight: Font.DemiBold
             Accessible.role: Accessible.StaticText
             Accessible.name: text
@@ -74,20 +81,23 @@ Rectangle {
         Text {
             objectName: "resultText"
             width: parent.width
-            text: panel.resultMessage
+            text: root.panel.resultMessage
             textFormat: Text.PlainText
-            color: theme.secondary
-            font.pixelSize: theme.subheadlineSize
+            color: Theme.secondary
+            font.pixelSize: Theme.subheadlineSize
             wrapMode: Text.Wrap
-            Accessible.role: Accessible.StaticText
+            // A status bar is what AT-SPI calls a polite live region (ARIA's "status"): a
+            // screen reader reads a new result when it has finished speaking. The name
+            // changes, and is announced, only when the text does, never on a quiet tick.
+            Accessible.role: Accessible.StatusBar
             Accessible.name: text
         }
 
         Row {
             objectName: "accessWarning"
-            visible: panel.showsAccessWarning
+            visible: root.panel.showsAccessWarning
             width: parent.width
-            spacing: theme.labelSpacing
+            spacing: Theme.labelSpacing
 
             Accessible.role: Accessible.StaticText
             Accessible.name: warningText.text
@@ -96,16 +106,16 @@ Rectangle {
                 id: warningSymbol
                 anchors.verticalCenter: parent.verticalCenter
                 name: "exclamationmark.triangle.fill"
-                tint: theme.orange
+                tint: Theme.orange
                 size: 13
             }
             Text {
                 id: warningText
                 objectName: "accessWarningText"
                 width: parent.width - warningSymbol.width - parent.spacing
-                text: texts.accessWarning
-                color: theme.orange
-                font.pixelSize: theme.captionSize
+                text: Texts.accessWarning
+                color: Theme.orange
+                font.pixelSize: Theme.captionSize
                 wrapMode: Text.Wrap
                 Accessible.ignored: true
             }
@@ -114,7 +124,7 @@ Rectangle {
         Grid {
             id: actionGrid
 
-            readonly property int columnCount: panel.columnCount
+            readonly property int columnCount: root.panel.columnCount
             readonly property real cellWidth:
                 columnCount > 0 ? (width - (columnCount - 1) * columnSpacing) / columnCount : 0
 
@@ -128,14 +138,14 @@ Rectangle {
 
             Repeater {
                 id: tiles
-                model: panel.actions
+                model: root.panel.actions
 
                 MenuActionButton {
                     required property var modelData
                     bulkAction: modelData
                     width: actionGrid.cellWidth
-                    disabled: panel.disabledActions[modelData.rawValue] === true
-                    onTap: panel.performAction(modelData.rawValue)
+                    disabled: root.panel.disabledActions[modelData.rawValue] === true
+                    onTap: root.panel.performAction(modelData.rawValue)
                 }
             }
         }
@@ -143,7 +153,7 @@ Rectangle {
         Rectangle {
             width: parent.width
             height: 1
-            color: theme.separator
+            color: Theme.separator
         }
 
         Column {
@@ -153,9 +163,9 @@ Rectangle {
 
             Text {
                 objectName: "openAppsHeading"
-                text: panel.openAppsHeading
-                color: theme.primary
-                font.pixelSize: theme.subheadlineSize
+                text: root.panel.openAppsHeading
+                color: Theme.primary
+                font.pixelSize: Theme.subheadlineSize
                 font.weight: Font.DemiBold
                 Accessible.role: Accessible.StaticText
                 Accessible.name: text
@@ -163,10 +173,10 @@ Rectangle {
 
             Text {
                 objectName: "noAppsText"
-                visible: !panel.hasOpenApps
-                text: texts.noOpenApps
-                color: theme.secondary
-                font.pixelSize: theme.footnoteSize
+                visible: !root.panel.hasOpenApps
+                text: Texts.noOpenApps
+                color: Theme.secondary
+                font.pixelSize: Theme.footnoteSize
                 Accessible.role: Accessible.StaticText
                 Accessible.name: text
             }
@@ -174,13 +184,13 @@ Rectangle {
             ListView {
                 id: appList
                 objectName: "appList"
-                visible: panel.hasOpenApps
+                visible: root.panel.hasOpenApps
                 width: parent.width
                 height: 220
                 clip: true
                 spacing: 8
                 boundsBehavior: Flickable.StopAtBounds
-                model: openApps
+                model: root.openApps
                 // The bar lies over the rows instead of taking a lane from them; it is off
                 // while nothing scrolls, and thin, so that it hides little of a menu button.
                 ScrollBar.vertical: ScrollBar {
@@ -191,7 +201,7 @@ Rectangle {
                     contentItem: Rectangle {
                         implicitWidth: 5
                         radius: width / 2
-                        color: theme.secondary
+                        color: Theme.secondary
                         opacity: appScrollBar.active ? 0.8 : 0.35
                     }
                     background: Item {}
@@ -201,10 +211,15 @@ Rectangle {
                 keyNavigationEnabled: false
 
                 Accessible.role: Accessible.List
-                Accessible.name: panel.openAppsHeading
+                Accessible.name: root.panel.openAppsHeading
 
                 delegate: AppRowView {
+                    id: appRow
                     width: appList.width
+                    onOpenRequested: root.openApps.openApp(appRow.index)
+                    onCloseRequested: root.openApps.terminateApp(appRow.index)
+                    onForceQuitRequested: root.openApps.forceTerminateApp(appRow.index)
+                    onKeyboardFocusEntered: appList.positionViewAtIndex(appRow.index, ListView.Contain)
                 }
             }
         }
@@ -212,25 +227,25 @@ Rectangle {
         Rectangle {
             width: parent.width
             height: 1
-            color: theme.separator
+            color: Theme.separator
         }
 
         PanelButton {
             objectName: "settingsButton"
-            text: texts.settings
-            onClicked: panel.openSettings()
+            text: Texts.settings
+            onClicked: root.panel.openSettings()
         }
 
         PanelButton {
             objectName: "refreshButton"
-            text: texts.refresh
-            onClicked: panel.refresh()
+            text: Texts.refresh
+            onClicked: root.panel.refresh()
         }
 
         PanelButton {
             objectName: "quitButton"
-            text: texts.quit
-            onClicked: panel.quit()
+            text: Texts.quit
+            onClicked: root.panel.quit()
         }
     }
 }

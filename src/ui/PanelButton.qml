@@ -1,4 +1,5 @@
 import QtQuick
+import Stowly
 import QtQuick.Controls
 
 // A text button drawn like the panel's tiles: a rounded control-coloured plate, the accent
@@ -22,17 +23,17 @@ Button {
         objectName: "buttonBackground"
         implicitHeight: 26
         radius: 7
-        color: button.down ? Qt.darker(theme.control, 1.08)
-             : button.hovered ? Qt.darker(theme.control, 1.03) : theme.controlBackground
+        color: button.down ? Qt.darker(Theme.control, 1.08)
+             : button.hovered ? Qt.darker(Theme.control, 1.03) : Theme.controlBackground
         border.width: button.activeFocus ? 2 : 1
-        border.color: button.activeFocus ? theme.accent : theme.separator
+        border.color: button.activeFocus ? Theme.accent : Theme.separator
     }
 
     contentItem: Text {
         text: button.text
         textFormat: Text.PlainText
-        color: theme.primary
-        font.pixelSize: theme.subheadlineSize
+        color: Theme.primary
+        font.pixelSize: Theme.subheadlineSize
         horizontalAlignment: Text.AlignHCenter
         verticalAlignment: Text.AlignVCenter
         Accessible.ignored: true

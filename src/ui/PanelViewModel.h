@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QtQml/qqmlregistration.h>
 #include <QVariantList>
 #include <QVariantMap>
 
@@ -13,17 +14,19 @@ class NotifyingPreferenceStore;
 // their disabled rule, the open-apps heading, and the panel's commands.
 class PanelViewModel : public QObject {
     Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("The program makes the one panel model.")
     // One entry per enabled action, catalogue order: {rawValue, title, systemImage}.
     // Changes only when the enabled-actions preference is written.
-    Q_PROPERTY(QVariantList actions READ actions NOTIFY actionsChanged)
+    Q_PROPERTY(QVariantList actions READ actions NOTIFY actionsChanged FINAL)
     // min(number of actions, 2); 0 when no action is enabled.
-    Q_PROPERTY(int columnCount READ columnCount NOTIFY actionsChanged)
+    Q_PROPERTY(int columnCount READ columnCount NOTIFY actionsChanged FINAL)
     // rawValue -> whether that action's tile is disabled.
-    Q_PROPERTY(QVariantMap disabledActions READ disabledActions NOTIFY availabilityChanged)
-    Q_PROPERTY(QString resultMessage READ resultMessage NOTIFY resultMessageChanged)
-    Q_PROPERTY(bool showsAccessWarning READ showsAccessWarning NOTIFY availabilityChanged)
-    Q_PROPERTY(QString openAppsHeading READ openAppsHeading NOTIFY availabilityChanged)
-    Q_PROPERTY(bool hasOpenApps READ hasOpenApps NOTIFY availabilityChanged)
+    Q_PROPERTY(QVariantMap disabledActions READ disabledActions NOTIFY availabilityChanged FINAL)
+    Q_PROPERTY(QString resultMessage READ resultMessage NOTIFY resultMessageChanged FINAL)
+    Q_PROPERTY(bool showsAccessWarning READ showsAccessWarning NOTIFY availabilityChanged FINAL)
+    Q_PROPERTY(QString openAppsHeading READ openAppsHeading NOTIFY availabilityChanged FINAL)
+    Q_PROPERTY(bool hasOpenApps READ hasOpenApps NOTIFY availabilityChanged FINAL)
 
 public:
     PanelViewModel(AppModel& model, NotifyingPreferenceStore& preferences, QObject* parent = nullptr);

@@ -57,7 +57,7 @@ QVariant RunningAppsListModel::data(const QModelIndex& index, int role) const
     case StatusRole: return app->status();
     case FormattedRamRole: return app->formattedRAM();
     case StatusLineRole: return ViewTexts::appStatusLine(app->status(), app->formattedRAM());
-    case StatusColorRole: return Theme::statusColor(app->status());
+    case StatusColorRole: return ColorScheme::current().statusColor(app->status());
     case IconUrlRole: return m_icons->url(app->id);
     case MenuNameRole: return ViewTexts::rowMenuName(app->name);
     default: return {};

@@ -4,6 +4,7 @@
 #include "RunningAppInfo.h"
 
 #include <QAbstractListModel>
+#include <QtQml/qqmlregistration.h>
 
 #include <vector>
 
@@ -16,7 +17,9 @@ class AppModel;
 // open on it) survives the once-a-second refresh when its app is still listed.
 class RunningAppsListModel : public QAbstractListModel {
     Q_OBJECT
-    Q_PROPERTY(int count READ count NOTIFY countChanged)
+    QML_ELEMENT
+    QML_UNCREATABLE("The program makes the one open-apps list.")
+    Q_PROPERTY(int count READ count NOTIFY countChanged FINAL)
 
 public:
     enum Role {

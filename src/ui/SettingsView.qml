@@ -1,4 +1,7 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
+import Stowly
 import QtQuick.Controls
 import QtQuick.Layouts
 
@@ -7,13 +10,16 @@ import QtQuick.Layouts
 Rectangle {
     id: root
 
+    // Set by the program that makes the view.
+    required property SettingsViewModel settings
+
     objectName: "settingsView"
     width: 760
     height: 560
-    color: theme.windowBackground
+    color: Theme.windowBackground
 
     Accessible.role: Accessible.Pane
-    Accessible.name: texts.settingsWindowTitle
+    Accessible.name: Texts.settingsWindowTitle
 
     // Escape closes the window, as in the panel; Tab scrolls the focused control into view.
     focus: true
@@ -24,7 +30,7 @@ Rectangle {
     Shortcut {
         sequence: "Ctrl+Q"
         context: Qt.WindowShortcut
-        onActivated: panel.quit()
+        onActivated: root.settings.quit()
     }
 
     Flickable {
@@ -71,9 +77,9 @@ Rectangle {
 
                     Text {
                         objectName: "primaryActionHeading"
-                        text: texts.primaryAction
-                        color: theme.primary
-                        font.pixelSize: theme.titleSize
+                        text: Texts.primaryAction
+                        color: Theme.primary
+                        font.pixelSize: Theme.titleSize
                         font.weight: Font.DemiBold
                         Accessible.role: Accessible.Heading
                         Accessible.name: text
@@ -83,21 +89,21 @@ Rectangle {
                     }
                     Row {
                         objectName: "appliedFromMenuBarLabel"
-                        spacing: theme.labelSpacing
+                        spacing: Theme.labelSpacing
 
                         SymbolImage {
                             objectName: "appliedFromMenuBarSymbol"
                             anchors.verticalCenter: parent.verticalCenter
                             name: "menubar.rectangle"
-                            tint: theme.secondary
+                            tint: Theme.secondary
                             size: 14
                         }
                         Text {
                             objectName: "appliedFromMenuBar"
                             anchors.verticalCenter: parent.verticalCenter
-                            text: texts.appliedFromMenuBar
-                            color: theme.secondary
-                            font.pixelSize: theme.footnoteSize
+                            text: Texts.appliedFromMenuBar
+                            color: Theme.secondary
+                            font.pixelSize: Theme.footnoteSize
                             Accessible.role: Accessible.StaticText
                             Accessible.name: text
                         }
@@ -107,9 +113,9 @@ Rectangle {
                 Text {
                     objectName: "actionsIntro"
                     width: parent.width
-                    text: texts.actionsIntro
-                    color: theme.secondary
-                    font.pixelSize: theme.subheadlineSize
+                    text: Texts.actionsIntro
+                    color: Theme.secondary
+                    font.pixelSize: Theme.subheadlineSize
                     wrapMode: Text.Wrap
                     Accessible.role: Accessible.StaticText
                     Accessible.name: text
@@ -122,15 +128,15 @@ Rectangle {
                     spacing: 16
 
                     Repeater {
-                        model: settings.cards
+                        model: root.settings.cards
 
                         ActionOptionCard {
                             required property var modelData
                             option: modelData
-                            isSelected: settings.selection[modelData.rawValue] === true
+                            isSelected: root.settings.selection[modelData.rawValue] === true
                             width: (cardRow.width - 3 * cardRow.spacing) / 4
                             anchors.verticalCenter: parent.verticalCenter
-                            onSelect: settings.toggleAction(modelData.rawValue, isSelected)
+                            onSelect: root.settings.toggleAction(modelData.rawValue, isSelected)
                         }
                     }
                 }
@@ -142,14 +148,23 @@ Rectangle {
                         id: picker
                         objectName: "defaultActionPicker"
                         width: 240
-                        model: settings.pickerItems
-                        currentIndex: settings.pickerIndex
+                        model: root.settings.pickerItems
+                        // The style draws from the palette; give it the scheme's colours.
+                        palette.button: Theme.controlBackground
+                        palette.buttonText: Theme.primary
+                        palette.window: Theme.controlBackground
+                        palette.windowText: Theme.primary
+                        palette.base: Theme.controlBackground
+                        palette.text: Theme.primary
+                        palette.highlight: Theme.accent
+                        palette.highlightedText: Theme.white
+                        currentIndex: root.settings.pickerIndex
                         onActivated: index => {
-                            settings.choosePickerItem(index);
+                            root.settings.choosePickerItem(index);
                             // A choice must not cut the selection loose from the stored default.
-                            picker.currentIndex = Qt.binding(() => settings.pickerIndex);
+                            picker.currentIndex = Qt.binding(() => root.settings.pickerIndex);
                         }
-                        Accessible.name: texts.defaultActionPicker
+                        Accessible.name: Texts.defaultActionPicker
                         Accessible.onPressAction: if (enabled) picker.popup.open()
 
                         // The style's own item, plus a name and a press action for
@@ -175,7 +190,7 @@ Rectangle {
                     width: summaryContent.implicitWidth + 2 * 16
                     height: summaryContent.implicitHeight + 2 * 16
                     radius: 16
-                    color: theme.controlBackground
+                    color: Theme.controlBackground
 
                     Row {
                         id: summaryContent
@@ -185,7 +200,7 @@ Rectangle {
 
                         SymbolImage {
                             name: "checkmark.circle.fill"
-                            tint: theme.green
+                            tint: Theme.green
                             size: 18
                         }
                         Column {
@@ -193,18 +208,18 @@ Rectangle {
 
                             Text {
                                 objectName: "defaultSummaryTitle"
-                                text: settings.summaryTitle
-                                color: theme.primary
-                                font.pixelSize: theme.headlineSize
+                                text: root.settings.summaryTitle
+                                color: Theme.primary
+                                font.pixelSize: Theme.headlineSize
                                 font.weight: Font.DemiBold
                                 Accessible.role: Accessible.StaticText
                                 Accessible.name: text
                             }
                             Text {
                                 objectName: "defaultSummaryText"
-                                text: settings.summaryText
-                                color: theme.secondary
-                                font.pixelSize: theme.subheadlineSize
+                                text: root.settings.summaryText
+                                color: Theme.secondary
+                                font.pixelSize: Theme.subheadlineSize
                                 Accessible.role: Accessible.StaticText
                                 Accessible.name: text
                             }
@@ -216,7 +231,7 @@ Rectangle {
             Rectangle {
                 width: parent.width
                 height: 1
-                color: theme.separator
+                color: Theme.separator
             }
 
             // ---- Startup ------------------------------------------------------------
@@ -227,9 +242,9 @@ Rectangle {
 
                 Text {
                     objectName: "startupHeading"
-                    text: texts.startup
-                    color: theme.primary
-                    font.pixelSize: theme.titleSize
+                    text: Texts.startup
+                    color: Theme.primary
+                    font.pixelSize: Theme.titleSize
                     font.weight: Font.DemiBold
                     Accessible.role: Accessible.Heading
                     Accessible.name: text
@@ -242,16 +257,16 @@ Rectangle {
                     CheckboxRow {
                         objectName: "launchAtLoginRow"
                         width: parent.width
-                        title: texts.launchAtStartupTitle
-                        subtitle: texts.launchAtStartupSubtitle
-                        isOn: settings.launchesAtLogin
-                        onToggleRequested: value => settings.setLaunchAtLogin(value)
+                        title: Texts.launchAtStartupTitle
+                        subtitle: Texts.launchAtStartupSubtitle
+                        isOn: root.settings.launchesAtLogin
+                        onToggleRequested: value => root.settings.setLaunchAtLogin(value)
                     }
                     CheckboxRow {
                         objectName: "mainShortcutRow"
                         width: parent.width
-                        title: texts.mainShortcutTitle
-                        subtitle: texts.mainShortcutSubtitle
+                        title: Texts.mainShortcutTitle
+                        subtitle: Texts.mainShortcutSubtitle
                         isOn: true
                         isEnabled: false
                     }
@@ -261,7 +276,7 @@ Rectangle {
             Rectangle {
                 width: parent.width
                 height: 1
-                color: theme.separator
+                color: Theme.separator
             }
 
             // ---- Accessibility ------------------------------------------------------
@@ -272,9 +287,9 @@ Rectangle {
 
                 Text {
                     objectName: "accessibilityHeading"
-                    text: texts.accessibility
-                    color: theme.primary
-                    font.pixelSize: theme.titleSize
+                    text: Texts.accessibility
+                    color: Theme.primary
+                    font.pixelSize: Theme.titleSize
                     font.weight: Font.DemiBold
                     Accessible.role: Accessible.Heading
                     Accessible.name: text
@@ -285,7 +300,7 @@ Rectangle {
                     width: accessContent.implicitWidth + 2 * 16
                     height: accessContent.implicitHeight + 2 * 16
                     radius: 16
-                    color: theme.controlBackground
+                    color: Theme.controlBackground
 
                     Row {
                         id: accessContent
@@ -295,8 +310,8 @@ Rectangle {
 
                         SymbolImage {
                             objectName: "accessSymbol"
-                            name: settings.accessSymbol
-                            tint: settings.accessGranted ? theme.green : theme.orange
+                            name: root.settings.accessSymbol
+                            tint: root.settings.accessGranted ? Theme.green : Theme.orange
                             size: 18
                         }
                         Column {
@@ -304,18 +319,18 @@ Rectangle {
 
                             Text {
                                 objectName: "accessTitle"
-                                text: settings.accessTitle
-                                color: theme.primary
-                                font.pixelSize: theme.headlineSize
+                                text: root.settings.accessTitle
+                                color: Theme.primary
+                                font.pixelSize: Theme.headlineSize
                                 font.weight: Font.DemiBold
                                 Accessible.role: Accessible.StaticText
                                 Accessible.name: text
                             }
                             Text {
                                 objectName: "accessDetail"
-                                text: settings.accessDetail
-                                color: theme.secondary
-                                font.pixelSize: theme.subheadlineSize
+                                text: root.settings.accessDetail
+                                color: Theme.secondary
+                                font.pixelSize: Theme.subheadlineSize
                                 Accessible.role: Accessible.StaticText
                                 Accessible.name: text
                             }
@@ -325,14 +340,14 @@ Rectangle {
 
                 Row {
                     objectName: "accessButtons"
-                    visible: !settings.accessGranted
+                    visible: !root.settings.accessGranted
                     spacing: 12
 
                     Button {
                         id: grantButton
                         objectName: "grantAccessButton"
-                        text: texts.grantAccess
-                        palette.buttonText: theme.white
+                        text: Texts.grantAccess
+                        palette.buttonText: Theme.white
                         // The prominent look: a solid accent fill (the style's own panel
                         // would wash the accent out into a pale gradient).
                         background: Rectangle {
@@ -340,22 +355,22 @@ Rectangle {
                             implicitWidth: 80
                             implicitHeight: 24
                             radius: 4
-                            color: grantButton.down ? Qt.darker(theme.accent, 1.2) : theme.accent
+                            color: grantButton.down ? Qt.darker(Theme.accent, 1.2) : Theme.accent
                             border.width: grantButton.activeFocus ? 2 : 0
-                            border.color: Qt.darker(theme.accent, 1.6)
+                            border.color: Qt.darker(Theme.accent, 1.6)
                         }
                         focusPolicy: Qt.StrongFocus
                         Keys.onReturnPressed: if (enabled) clicked()
                         Keys.onEnterPressed: if (enabled) clicked()
-                        onClicked: settings.requestAccessibilityPermission()
+                        onClicked: root.settings.requestAccessibilityPermission()
                         Accessible.name: text
                         Accessible.onPressAction: if (enabled) clicked()
                     }
                     PanelButton {
                         objectName: "openSystemSettingsButton"
-                        visible: settings.canOpenAccessSettings
-                        text: settings.openAccessSettingsTitle
-                        onClicked: settings.openAccessibilitySettings()
+                        visible: root.settings.canOpenAccessSettings
+                        text: root.settings.openAccessSettingsTitle
+                        onClicked: root.settings.openAccessibilitySettings()
                     }
                 }
             }
@@ -371,8 +386,8 @@ Rectangle {
         height: 28
         visible: scroller.contentHeight > scroller.height && !scroller.atYEnd
         gradient: Gradient {
-            GradientStop { position: 0.0; color: Qt.rgba(theme.windowBackground.r, theme.windowBackground.g, theme.windowBackground.b, 0) }
-            GradientStop { position: 1.0; color: theme.windowBackground }
+            GradientStop { position: 0.0; color: Qt.rgba(Theme.windowBackground.r, Theme.windowBackground.g, Theme.windowBackground.b, 0) }
+            GradientStop { position: 1.0; color: Theme.windowBackground }
         }
     }
 }

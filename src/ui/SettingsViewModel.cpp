@@ -141,4 +141,9 @@ void SettingsViewModel::openAccessibilitySettings()
     m_model.openAccessibilitySettings();
 }
 
+void SettingsViewModel::quit()
+{
+    emit quitRequested();
+}
+
 } // namespace stowly

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QtQml/qqmlregistration.h>
 #include <QStringList>
 #include <QVariantList>
 #include <QVariantMap>
@@ -15,24 +16,26 @@ class NotifyingPreferenceStore;
 // are ActionSettings'; this only presents them.
 class SettingsViewModel : public QObject {
     Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("The program makes the one settings model.")
     // One card per action, catalogue order: {rawValue, shortTitle, cardSummary, systemImage}.
-    Q_PROPERTY(QVariantList cards READ cards CONSTANT)
+    Q_PROPERTY(QVariantList cards READ cards CONSTANT FINAL)
     // rawValue -> whether the action is enabled (its card shows as selected).
-    Q_PROPERTY(QVariantMap selection READ selection NOTIFY selectionChanged)
+    Q_PROPERTY(QVariantMap selection READ selection NOTIFY selectionChanged FINAL)
     // The picker's items (short titles, by raw value) and the index of its selection.
-    Q_PROPERTY(QStringList pickerItems READ pickerItems NOTIFY pickerChanged)
-    Q_PROPERTY(int pickerIndex READ pickerIndex NOTIFY pickerChanged)
-    Q_PROPERTY(QString summaryTitle READ summaryTitle NOTIFY summaryChanged)
-    Q_PROPERTY(QString summaryText READ summaryText NOTIFY summaryChanged)
-    Q_PROPERTY(bool launchesAtLogin READ launchesAtLogin NOTIFY launchesAtLoginChanged)
-    Q_PROPERTY(bool accessGranted READ accessGranted NOTIFY accessChanged)
-    Q_PROPERTY(QString accessTitle READ accessTitle NOTIFY accessChanged)
-    Q_PROPERTY(QString accessDetail READ accessDetail NOTIFY accessChanged)
-    Q_PROPERTY(QString accessSymbol READ accessSymbol NOTIFY accessChanged)
+    Q_PROPERTY(QStringList pickerItems READ pickerItems NOTIFY pickerChanged FINAL)
+    Q_PROPERTY(int pickerIndex READ pickerIndex NOTIFY pickerChanged FINAL)
+    Q_PROPERTY(QString summaryTitle READ summaryTitle NOTIFY summaryChanged FINAL)
+    Q_PROPERTY(QString summaryText READ summaryText NOTIFY summaryChanged FINAL)
+    Q_PROPERTY(bool launchesAtLogin READ launchesAtLogin NOTIFY launchesAtLoginChanged FINAL)
+    Q_PROPERTY(bool accessGranted READ accessGranted NOTIFY accessChanged FINAL)
+    Q_PROPERTY(QString accessTitle READ accessTitle NOTIFY accessChanged FINAL)
+    Q_PROPERTY(QString accessDetail READ accessDetail NOTIFY accessChanged FINAL)
+    Q_PROPERTY(QString accessSymbol READ accessSymbol NOTIFY accessChanged FINAL)
     // The button that opens where access is granted: shown only while access is missing
     // and the platform has something to open, named after what it opens.
-    Q_PROPERTY(bool canOpenAccessSettings READ canOpenAccessSettings NOTIFY accessChanged)
-    Q_PROPERTY(QString openAccessSettingsTitle READ openAccessSettingsTitle NOTIFY accessChanged)
+    Q_PROPERTY(bool canOpenAccessSettings READ canOpenAccessSettings NOTIFY accessChanged FINAL)
+    Q_PROPERTY(QString openAccessSettingsTitle READ openAccessSettingsTitle NOTIFY accessChanged FINAL)
 
 public:
     SettingsViewModel(AppModel& model, NotifyingPreferenceStore& preferences, QObject* parent = nullptr);
@@ -57,6 +60,8 @@ public:
     Q_INVOKABLE void setLaunchAtLogin(bool enabled);
     Q_INVOKABLE void requestAccessibilityPermission();
     Q_INVOKABLE void openAccessibilitySettings();
+    // Ctrl+Q in the settings window, as in the panel.
+    Q_INVOKABLE void quit();
 
 signals:
     void selectionChanged();
@@ -64,6 +69,7 @@ signals:
     void summaryChanged();
     void launchesAtLoginChanged();
     void accessChanged();
+    void quitRequested();
 
 private:
     AppModel& m_model;

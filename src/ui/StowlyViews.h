@@ -19,11 +19,11 @@ class NotifyingPreferenceStore;
 class PanelViewModel;
 class RunningAppsListModel;
 class SettingsViewModel;
-class Theme;
 
-// The QML engine with everything the views read: `panel`, `openApps`, `settings`,
-// `theme` and `texts`, and the two image providers. Makes the panel's and the settings
-// window's views; knows nothing about trays or window placement.
+// The QML engine and the view models: the panel view gets `panel` and `openApps`, the
+// settings view `settings`, as required properties; `Theme` and `Texts` are the module's
+// singletons; and the two image providers. Makes the panel's and the settings window's
+// views; knows nothing about trays or window placement.
 class StowlyViews : public QObject {
     Q_OBJECT
 
@@ -59,7 +59,6 @@ private:
     QQmlEngine* m_engine = nullptr;
     std::vector<QPointer<QQuickView>> m_views;   // every view made on the engine
     AppIconCacheRef m_icons;
-    Theme* m_theme;
     PanelViewModel* m_panel;
     RunningAppsListModel* m_openApps;
     SettingsViewModel* m_settings;

@@ -3,64 +3,82 @@
 #include <QColor>
 #include <QObject>
 #include <QUrl>
+#include <QtQml/qqmlregistration.h>
+
+class QPalette;
 
 namespace stowly {
 
-// The light desktop palette the views were designed against.
-namespace Palette {
-inline const QColor accent{0x00, 0x7a, 0xff};
-// Orange and green are used for small text, so they are dark enough for 4.5:1 (WCAG AA)
-// against the window background and their own badge tint.
-inline const QColor orange{0x96, 0x42, 0x00};
-inline const QColor green{0x15, 0x66, 0x2b};
-inline const QColor primary = QColor::fromRgba(0xe6000000);
-inline const QColor secondary = QColor::fromRgba(0x8c000000);
-inline const QColor white{0xff, 0xff, 0xff};
-inline const QColor controlBackground{0xff, 0xff, 0xff};
-inline const QColor control{0xee, 0xee, 0xf0};
-inline const QColor windowBackground{0xec, 0xec, 0xec};
-inline const QColor separator = QColor::fromRgba(0x1f000000);
-} // namespace Palette
+// One set of the views' colours. Orange and green are used for small text, so in both
+// schemes they reach 4.5:1 (WCAG AA) against the window, the controls and their own badge
+// tint.
+struct ColorScheme {
+    QColor accent;
+    QColor orange;
+    QColor green;
+    QColor primary;
+    QColor secondary;
+    QColor white;
+    QColor controlBackground;
+    QColor control;
+    QColor windowBackground;
+    QColor separator;
 
-// The colours and font sizes of the views (the QML's `theme`), and the URLs of the symbol glyphs.
+    // The light scheme the views were designed against, and its dark counterpart.
+    static const ColorScheme& light();
+    static const ColorScheme& dark();
+    // Dark when the desktop's palette is: its window colour is darker than its text.
+    static bool prefersDark(const QPalette& palette);
+    // The scheme for the application's palette now.
+    static const ColorScheme& current();
+
+    // A row's badge colour: orange for "Hidden", green for "Active", else secondary.
+    QColor statusColor(const QString& status) const;
+};
+
+// The colours and font sizes of the views (the QML singleton `Theme`, one per engine), and
+// the URLs of the symbol glyphs. The colours follow the desktop's palette, also when it
+// changes while the program runs.
 class Theme : public QObject {
     Q_OBJECT
-    Q_PROPERTY(QColor accent MEMBER accent CONSTANT)
-    Q_PROPERTY(QColor orange MEMBER orange CONSTANT)
-    Q_PROPERTY(QColor green MEMBER green CONSTANT)
-    Q_PROPERTY(QColor primary MEMBER primary CONSTANT)
-    Q_PROPERTY(QColor secondary MEMBER secondary CONSTANT)
-    Q_PROPERTY(QColor white MEMBER white CONSTANT)
-    Q_PROPERTY(QColor controlBackground MEMBER controlBackground CONSTANT)
-    Q_PROPERTY(QColor control MEMBER control CONSTANT)
-    Q_PROPERTY(QColor windowBackground MEMBER windowBackground CONSTANT)
-    Q_PROPERTY(QColor separator MEMBER separator CONSTANT)
-    Q_PROPERTY(int titleSize MEMBER titleSize CONSTANT)
-    Q_PROPERTY(int headlineSize MEMBER headlineSize CONSTANT)
-    Q_PROPERTY(int subheadlineSize MEMBER subheadlineSize CONSTANT)
-    Q_PROPERTY(int captionSize MEMBER captionSize CONSTANT)
-    Q_PROPERTY(int footnoteSize MEMBER footnoteSize CONSTANT)
-    Q_PROPERTY(int labelSpacing MEMBER labelSpacing CONSTANT)
+    QML_ELEMENT
+    QML_SINGLETON
+    Q_PROPERTY(bool isDark READ isDark NOTIFY schemeChanged FINAL)
+    Q_PROPERTY(QColor accent READ accent NOTIFY schemeChanged FINAL)
+    Q_PROPERTY(QColor orange READ orange NOTIFY schemeChanged FINAL)
+    Q_PROPERTY(QColor green READ green NOTIFY schemeChanged FINAL)
+    Q_PROPERTY(QColor primary READ primary NOTIFY schemeChanged FINAL)
+    Q_PROPERTY(QColor secondary READ secondary NOTIFY schemeChanged FINAL)
+    Q_PROPERTY(QColor white READ white NOTIFY schemeChanged FINAL)
+    Q_PROPERTY(QColor controlBackground READ controlBackground NOTIFY schemeChanged FINAL)
+    Q_PROPERTY(QColor control READ control NOTIFY schemeChanged FINAL)
+    Q_PROPERTY(QColor windowBackground READ windowBackground NOTIFY schemeChanged FINAL)
+    Q_PROPERTY(QColor separator READ separator NOTIFY schemeChanged FINAL)
+    Q_PROPERTY(int titleSize MEMBER titleSize CONSTANT FINAL)
+    Q_PROPERTY(int headlineSize MEMBER headlineSize CONSTANT FINAL)
+    Q_PROPERTY(int subheadlineSize MEMBER subheadlineSize CONSTANT FINAL)
+    Q_PROPERTY(int captionSize MEMBER captionSize CONSTANT FINAL)
+    Q_PROPERTY(int footnoteSize MEMBER footnoteSize CONSTANT FINAL)
+    Q_PROPERTY(int labelSpacing MEMBER labelSpacing CONSTANT FINAL)
 
 public:
-    using QObject::QObject;
+    explicit Theme(QObject* parent = nullptr);
 
     // The glyph for a symbol name ("eye.slash"), drawn in one colour.
     Q_INVOKABLE QUrl symbol(const QString& name, const QColor& color) const;
 
-    // A row's badge colour: orange for "Hidden", green for "Active", else secondary.
-    static QColor statusColor(const QString& status);
-
-    QColor accent = Palette::accent;
-    QColor orange = Palette::orange;
-    QColor green = Palette::green;
-    QColor primary = Palette::primary;
-    QColor secondary = Palette::secondary;
-    QColor white = Palette::white;
-    QColor controlBackground = Palette::controlBackground;
-    QColor control = Palette::control;
-    QColor windowBackground = Palette::windowBackground;
-    QColor separator = Palette::separator;
+    const ColorScheme& scheme() const { return *m_scheme; }
+    bool isDark() const { return m_scheme == &ColorScheme::dark(); }
+    QColor accent() const { return m_scheme->accent; }
+    QColor orange() const { return m_scheme->orange; }
+    QColor green() const { return m_scheme->green; }
+    QColor primary() const { return m_scheme->primary; }
+    QColor secondary() const { return m_scheme->secondary; }
+    QColor white() const { return m_scheme->white; }
+    QColor controlBackground() const { return m_scheme->controlBackground; }
+    QColor control() const { return m_scheme->control; }
+    QColor windowBackground() const { return m_scheme->windowBackground; }
+    QColor separator() const { return m_scheme->separator; }
 
     // Pixel sizes of the text styles.
     int titleSize = 20;
@@ -70,6 +88,15 @@ public:
     int footnoteSize = 11;
     // Between a label's symbol and its text (the access warning, "Applied from the menu bar").
     int labelSpacing = 5;
+
+signals:
+    void schemeChanged();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    const ColorScheme* m_scheme;
 };
 
 } // namespace stowly

@@ -2,6 +2,7 @@
 
 #include "PanelViewModel.h"
 #include "PanelWindow.h"
+#include "SettingsViewModel.h"
 #include "StatusIcon.h"
 #if defined(STOWLY_UI_STATUS_NOTIFIER)
 #include "StatusNotifierItem.h"
@@ -36,6 +37,7 @@ TrayController::TrayController(StowlyViews& views, QObject* parent)
     connect(&m_views.panel(), &PanelViewModel::settingsRequested, this, &TrayController::openSettings);
     connect(&m_views.panel(), &PanelViewModel::dismissRequested, m_panel, &PanelWindow::hide);
     connect(&m_views.panel(), &PanelViewModel::quitRequested, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+    connect(&m_views.settings(), &SettingsViewModel::quitRequested, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
 }
 
 TrayController::~TrayController()

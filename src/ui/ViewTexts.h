@@ -1,14 +1,13 @@
 #pragma once
 
 #include <QString>
-#include <QVariantMap>
 
 #include <cstddef>
 
 namespace stowly::ViewTexts {
 
 // Every text the views show that does not come from the model or the action catalogue.
-// The QML reads these through the `texts` map under the same names.
+// The QML reads these through the singleton `Texts` (TextCatalogue) under the same names.
 inline const QString productName = QStringLiteral("Stowly");
 inline const QString accessWarning = QStringLiteral("Accessibility access required. Grant it in Settings.");
 inline const QString noOpenApps = QStringLiteral("No regular apps are currently open.");
@@ -48,8 +47,5 @@ QString appStatusLine(const QString& status, const QString& formattedRAM);  // "
 QString defaultActionSummaryTitle(const QString& actionTitle);              // "Default: Hide All Apps"
 QString rowMenuName(const QString& appName);                                // "Actions for Notes"
 QString openAccessSettings(const QString& settingsName);                    // "Open System Settings"
-
-// The constant texts above as one map, for the QML's `texts`.
-QVariantMap asMap();
 
 } // namespace stowly::ViewTexts

@@ -490,7 +490,7 @@ namespace {
 {
     ::testing::AssertionResult last = ::testing::AssertionSuccess();
     for (int attempt = 0; attempt < 10; ++attempt) {
-        x11::LinuxPlatform freshLinux;
+        x11::X11Platform freshLinux;
         const AppModel fresh(freshLinux.platform());
         model.refreshSnapshot();
         last = sameList(model.runningApps(), fresh.runningApps());
@@ -513,7 +513,7 @@ TEST(OpenApps, EveryTickEqualsAFreshReadAsTheDesktopChanges)
     for (const char* t : {"tick-first", "tick-second", "tick-term"})
         ASSERT_NE(waitForWindowTitled(t), 0u) << t;
 
-    x11::LinuxPlatform linux_;
+    x11::X11Platform linux_;
     AppModel model(linux_.platform());
     EXPECT_TRUE(tickEqualsFreshRead(model)) << "at the start";
     EXPECT_TRUE(tickEqualsFreshRead(model)) << "with nothing changed";

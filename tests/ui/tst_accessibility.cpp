@@ -102,9 +102,21 @@ private slots:
         QCOMPARE(nameOf(minimize), QStringLiteral("Minimize All Windows"));
         QVERIFY(!accessible(minimize)->state().focusable);
         QVERIFY(accessible(hide)->state().focusable);
+        // Reported disabled (AT-SPI: neither enabled nor sensitive), with no action to press.
+        QVERIFY(accessible(minimize)->state().disabled);
+        QVERIFY(!accessible(hide)->state().disabled);
+        QCOMPARE(accessible(minimize)->role(), QAccessible::Button);
+        QVERIFY(accessible(minimize)->actionInterface());
+        QVERIFY(accessible(minimize)->actionInterface()->actionNames().isEmpty());
         const QString before = ui.model().lastResultMessage();
-        press(minimize);
+        QVERIFY(!press(minimize));
+        accessible(minimize)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+        UiFixture::settle();
         QCOMPARE(ui.model().lastResultMessage(), before);
+        // The tile sits in the panel's tree: its parent lists it among its children.
+        QAccessibleInterface* parent = accessible(minimize)->parent();
+        QVERIFY(parent);
+        QVERIFY(parent->indexOfChild(accessible(minimize)) >= 0);
 
         QSignalSpy settings(&ui.views().panel(), &PanelViewModel::settingsRequested);
         QSignalSpy quit(&ui.views().panel(), &PanelViewModel::quitRequested);
@@ -118,6 +130,52 @@ private slots:
         QCOMPARE(nameOf(ui.find(view, QStringLiteral("refreshButton"))), QStringLiteral("Refresh"));
         QVERIFY(press(ui.find(view, QStringLiteral("refreshButton"))));
         QVERIFY(ui.model().hasAccessibilityPermission());
+
+        // With access granted the same tile reads enabled and presses.
+        QVERIFY(!accessible(minimize)->state().disabled);
+        QVERIFY(accessible(minimize)->state().focusable);
+        QVERIFY(press(minimize));
+        QVERIFY(ui.model().lastResultMessage() != before);
+    }
+
+    void resultLineIsAnnouncedOncePerChange()
+    {
+        UiFixture ui;
+        ui.fake.trust.trusted = true;
+        ui.addApp(101, "Notes");
+        ui.start();
+        QQuickView& view = ui.panel();
+        QQuickItem* line = ui.find(view, QStringLiteral("resultText"));
+        QCOMPARE(accessible(line)->role(), QAccessible::StatusBar);
+
+        // The name Qt Quick reports, and sends an accessibility event for, when it changes.
+        QObject* attached = nullptr;
+        for (QObject* child : line->children()) {
+            if (qstrcmp(child->metaObject()->className(), "QQuickAccessibleAttached") == 0)
+                attached = child;
+        }
+        QVERIFY(attached);
+        QSignalSpy announcements(attached, SIGNAL(nameChanged()));
+        const auto tick = [&] {
+            ui.model().refreshSnapshot();
+            UiFixture::settle();
+        };
+
+        for (int i = 0; i < 3; ++i)
+            tick();
+        QCOMPARE(announcements.count(), 0);
+
+        ui.model().hideAllApps();
+        UiFixture::settle();
+        QCOMPARE(announcements.count(), 1);
+        QCOMPARE(accessible(line)->text(QAccessible::Name), ui.model().lastResultMessage());
+        for (int i = 0; i < 3; ++i)
+            tick();
+        QCOMPARE(announcements.count(), 1);
+
+        ui.model().refreshPermissionStatus();   // a different sentence
+        UiFixture::settle();
+        QCOMPARE(announcements.count(), 2);
     }
 
     void rowMenuOpensAndItsEntriesArePressable()

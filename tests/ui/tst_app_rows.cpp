@@ -66,7 +66,7 @@ private slots:
         const RunningAppInfo& info = ui.model().runningApps().front();
         QCOMPARE(part(notes, "rowStatusLine")->property("text").toString(),
                  QStringLiteral("Open \u2022 RAM: ") + info.formattedRAM());
-        QCOMPARE(part(notes, "rowStatusLine")->property("color").value<QColor>(), Palette::secondary);
+        QCOMPARE(part(notes, "rowStatusLine")->property("color").value<QColor>(), ColorScheme::light().secondary);
         QCOMPARE(part(notes, "rowBadgeText")->property("text").toString(), QStringLiteral("Open"));
         QCOMPARE(part(notes, "rowMenuButton")->property("text").toString(), QStringLiteral("Actions for Notes"));
     }
@@ -100,9 +100,9 @@ private slots:
         ui.start();
         QQuickView& view = ui.panel();
         const struct { const char* name; const char* status; QColor color; } expected[] = {
-            {"Hidden App", "Hidden", Palette::orange},
-            {"Front App", "Active", Palette::green},
-            {"Other App", "Open", Palette::secondary},
+            {"Hidden App", "Hidden", ColorScheme::light().orange},
+            {"Front App", "Active", ColorScheme::light().green},
+            {"Other App", "Open", ColorScheme::light().secondary},
         };
         for (const auto& want : expected) {
             QQuickItem* r = row(view, QLatin1String(want.name));
@@ -137,7 +137,7 @@ private slots:
         QCOMPARE(placeholder->width(), 16.0);
         QCOMPARE(placeholder->height(), 16.0);
         QCOMPARE(placeholder->property("name").toString(), QStringLiteral("app.dashed"));
-        QCOMPARE(placeholder->property("tint").value<QColor>(), Palette::secondary);
+        QCOMPARE(placeholder->property("tint").value<QColor>(), ColorScheme::light().secondary);
     }
 
     void appWithIconShowsItFromTheProvider()
@@ -237,15 +237,15 @@ private slots:
         QCOMPARE(badge->property("radius").toReal(), badge->height() / 2);
         QCOMPARE(badgeText->property("font").value<QFont>().weight(), QFont::Medium);
         QCOMPARE(badgeText->property("font").value<QFont>().pixelSize(), theme.captionSize);
-        QCOMPARE(badgeText->property("color").value<QColor>(), Palette::green);
+        QCOMPARE(badgeText->property("color").value<QColor>(), ColorScheme::light().green);
         // At least 8 between the texts and the badge, 10 between badge and menu.
         QVERIFY(left(badge) - right(name) >= 8);
         QCOMPARE(left(menu) - right(badge), 10.0);
         // Fonts and colours of the two lines.
         QCOMPARE(name->property("font").value<QFont>().pixelSize(), theme.subheadlineSize);
-        QCOMPARE(name->property("color").value<QColor>(), Palette::primary);
+        QCOMPARE(name->property("color").value<QColor>(), ColorScheme::light().primary);
         QCOMPARE(line->property("font").value<QFont>().pixelSize(), theme.captionSize);
-        QCOMPARE(line->property("color").value<QColor>(), Palette::secondary);
+        QCOMPARE(line->property("color").value<QColor>(), ColorScheme::light().secondary);
         QCOMPARE(name->property("maximumLineCount").toInt(), 1);
         QCOMPARE(part(r, "rowMenuButton")->findChild<QObject*>(QStringLiteral("rowMenu"))->property("count").toInt(), 3);
     }
@@ -326,15 +326,15 @@ private slots:
         QCOMPARE(title->width(), 110.0 - 12);
         QQuickItem* background = tile->property("background").value<QQuickItem*>();
         QCOMPARE(background->property("radius").toReal(), 12.0);
-        QCOMPARE(background->property("color").value<QColor>(), Palette::controlBackground);
+        QCOMPARE(background->property("color").value<QColor>(), ColorScheme::light().controlBackground);
         QQuickItem* symbol = UiFixture::findIn(tile, QStringLiteral("tileSymbol"));
-        QCOMPARE(symbol->property("tint").value<QColor>(), Palette::accent);
+        QCOMPARE(symbol->property("tint").value<QColor>(), ColorScheme::light().accent);
         QQuickItem* badge = symbol->parentItem();
         QCOMPARE(badge->width(), 40.0);
         QCOMPARE(badge->height(), 40.0);
         QCOMPARE(badge->property("radius").toReal(), 10.0);
         const QColor fill = badge->property("color").value<QColor>();
-        QCOMPARE(fill.rgb(), Palette::accent.rgb());
+        QCOMPARE(fill.rgb(), ColorScheme::light().accent.rgb());
         QVERIFY(qAbs(fill.alphaF() - 0.12) < 0.01);
         QCOMPARE(badge->mapToScene(QPointF(20, 0)).x(), tile->mapToScene(QPointF(55, 0)).x());
         QCOMPARE(title->mapToScene(QPointF(0, 0)).y() - badge->mapToScene(QPointF(0, 40)).y(), 8.0);

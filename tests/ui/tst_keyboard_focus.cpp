@@ -5,7 +5,9 @@
 #include "Theme.h"
 #include "UiFixture.h"
 
+#include <QGuiApplication>
 #include <QKeyEvent>
+#include <QPalette>
 #include <QQmlProperty>
 #include <QSignalSpy>
 #include <QTest>
@@ -77,7 +79,7 @@ private slots:
         QTRY_COMPARE(focusName(view), QStringLiteral("actionTile_closeWindows"));
         QQuickItem* ring = ui.findIn(focused(view), QStringLiteral("tileBackground"));
         QCOMPARE(QQmlProperty::read(ring, QStringLiteral("border.width")).toInt(), 2);
-        QCOMPARE(QQmlProperty::read(ring, QStringLiteral("border.color")).value<QColor>(), Palette::accent);
+        QCOMPARE(QQmlProperty::read(ring, QStringLiteral("border.color")).value<QColor>(), ColorScheme::light().accent);
         QQuickItem* other = ui.find(view, QStringLiteral("actionTile_hide"));
         QCOMPARE(QQmlProperty::read(ui.findIn(other, QStringLiteral("tileBackground")), QStringLiteral("border.width")).toInt(), 0);
     }
@@ -221,9 +223,9 @@ private slots:
         QQuickView& view = ui.panel();
         QQuickItem* badge = ui.find(view, QStringLiteral("rowBadge"));
         const QColor fill = badge->property("color").value<QColor>();
-        QCOMPARE(fill.rgb(), Palette::secondary.rgb());
-        QVERIFY(Palette::secondary.alphaF() < 0.9);
-        QVERIFY(qAbs(fill.alphaF() - Palette::secondary.alphaF() * 0.14) < 0.01);
+        QCOMPARE(fill.rgb(), ColorScheme::light().secondary.rgb());
+        QVERIFY(ColorScheme::light().secondary.alphaF() < 0.9);
+        QVERIFY(qAbs(fill.alphaF() - ColorScheme::light().secondary.alphaF() * 0.14) < 0.01);
     }
 
     void scrollBarLiesOverTheRows()
@@ -242,6 +244,38 @@ private slots:
         QQuickItem* first = ui.findIn(content, QStringLiteral("appRow_0"));
         QCOMPARE(first->width(), list->width());
         QCOMPARE(first->width(), 312.0);
+    }
+
+    void tabIntoARowBelowTheFoldScrollsItIntoView()
+    {
+        UiFixture ui;
+        ui.fake.trust.trusted = true;
+        for (int pid = 300; pid < 312; ++pid)
+            ui.addApp(pid, "App " + std::to_string(pid));
+        ui.start();
+        QQuickView& view = ui.panel();
+        activate(view);
+        QTRY_COMPARE(focusName(view), QStringLiteral("actionTile_minimize"));
+        QQuickItem* list = ui.find(view, QStringLiteral("appList"));
+        QCOMPARE(list->property("contentY").toReal(), 0.0);
+
+        // Walk the row menus; each focused one must lie whole inside the list's 220 points.
+        int rowsSeen = 0;
+        qreal deepest = 0;
+        for (int i = 0; i < 60 && focusName(view) != QStringLiteral("settingsButton"); ++i) {
+            QTest::keyClick(&view, Qt::Key_Tab);
+            QQuickItem* item = focused(view);
+            if (!item || item->objectName() != QStringLiteral("rowMenuButton"))
+                continue;
+            ++rowsSeen;
+            ui.settle();
+            const qreal top = item->mapToItem(list, QPointF(0, 0)).y();
+            QVERIFY2(top >= 0 && top + item->height() <= list->height(),
+                     qPrintable(QStringLiteral("row %1 menu at %2 in a %3-point list").arg(rowsSeen).arg(top).arg(list->height())));
+            deepest = std::max(deepest, list->property("contentY").toReal());
+        }
+        QCOMPARE(rowsSeen, 12);
+        QVERIFY(deepest > 0);
     }
 
     void settingsWindowScrollsWithAHintAndFollowsTheFocus()
@@ -277,20 +311,58 @@ private slots:
 
     void colouredTextsReachFourAndAHalfToOne()
     {
-        const QColor backgrounds[] = {Palette::windowBackground, Palette::controlBackground};
-        for (const QColor& text : {Palette::orange, Palette::green}) {
+        // Both schemes: primary and secondary text, and orange and green on their own and on
+        // their badge tint, against the window and the controls.
+        for (const ColorScheme* scheme : {&ColorScheme::light(), &ColorScheme::dark()}) {
+            const QColor backgrounds[] = {scheme->windowBackground, scheme->controlBackground};
             for (const QColor& under : backgrounds) {
-                QVERIFY2(contrast(text, under) >= 4.5, qPrintable(text.name() + " on " + under.name()));
-                // On the badge: the text over its own 0.14 tint.
-                QColor tint = text;
-                tint.setAlphaF(float(text.alphaF() * 0.14));
-                const QColor badge = composite(tint, under);
-                QVERIFY2(contrast(text, badge) >= 4.5, qPrintable(text.name() + " on its badge"));
+                for (const QColor& text : {scheme->primary, scheme->secondary}) {
+                    QVERIFY2(contrast(composite(text, under), under) >= 4.5,
+                             qPrintable(text.name(QColor::HexArgb) + " on " + under.name()));
+                }
+                for (const QColor& text : {scheme->orange, scheme->green}) {
+                    QVERIFY2(contrast(text, under) >= 4.5, qPrintable(text.name() + " on " + under.name()));
+                    // On the badge: the text over its own 0.14 tint.
+                    QColor tint = text;
+                    tint.setAlphaF(float(text.alphaF() * 0.14));
+                    const QColor badge = composite(tint, under);
+                    QVERIFY2(contrast(text, badge) >= 4.5, qPrintable(text.name() + " on its badge"));
+                }
             }
         }
         // The formula itself: black on white is 21:1, a colour on itself 1:1.
         QVERIFY(qAbs(contrast(Qt::black, Qt::white) - 21.0) < 0.01);
-        QVERIFY(qAbs(contrast(Palette::orange, Palette::orange) - 1.0) < 1e-9);
+        QVERIFY(qAbs(contrast(ColorScheme::light().orange, ColorScheme::light().orange) - 1.0) < 1e-9);
+    }
+
+    void darkDesktopPaletteGivesTheDarkScheme()
+    {
+        QPalette dark;
+        dark.setColor(QPalette::Window, QColor(0x2a, 0x2a, 0x2a));
+        dark.setColor(QPalette::WindowText, QColor(0xee, 0xee, 0xee));
+        QPalette light;
+        light.setColor(QPalette::Window, QColor(0xef, 0xef, 0xef));
+        light.setColor(QPalette::WindowText, QColor(0x10, 0x10, 0x10));
+        QVERIFY(ColorScheme::prefersDark(dark));
+        QVERIFY(!ColorScheme::prefersDark(light));
+
+        // The views follow a change of the desktop's palette while they are open.
+        UiFixture ui;
+        ui.addApp(101, "Notes");
+        ui.start();
+        QQuickView& view = ui.panel();
+        const QPalette before = QGuiApplication::palette();
+        QGuiApplication::setPalette(light);
+        ui.settle();
+        QQuickItem* root = view.rootObject();
+        QCOMPARE(root->property("color").value<QColor>(), ColorScheme::light().windowBackground);
+        QGuiApplication::setPalette(dark);
+        ui.settle();
+        QCOMPARE(root->property("color").value<QColor>(), ColorScheme::dark().windowBackground);
+        QCOMPARE(ui.find(view, QStringLiteral("titleText"))->property("color").value<QColor>(),
+                 ColorScheme::dark().primary);
+        QGuiApplication::setPalette(before);
+        ui.settle();
     }
 };
 

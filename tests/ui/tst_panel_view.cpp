@@ -64,12 +64,12 @@ private slots:
         QCOMPARE(font("titleText").pixelSize(), theme.headlineSize);
         QCOMPARE(font("titleText").weight(), QFont::DemiBold);
         QCOMPARE(font("resultText").pixelSize(), theme.subheadlineSize);
-        QCOMPARE(color("resultText"), Palette::secondary);
+        QCOMPARE(color("resultText"), ColorScheme::light().secondary);
         QCOMPARE(UiFixture::find(view, QStringLiteral("resultText"))->property("textFormat").toInt(), int(Qt::PlainText));
         QCOMPARE(font("openAppsHeading").pixelSize(), theme.subheadlineSize);
         QCOMPARE(font("openAppsHeading").weight(), QFont::DemiBold);
         QCOMPARE(font("noAppsText").pixelSize(), theme.footnoteSize);
-        QCOMPARE(color("noAppsText"), Palette::secondary);
+        QCOMPARE(color("noAppsText"), ColorScheme::light().secondary);
         // The open-apps section: heading, then the text, 6 apart; dividers around it.
         QQuickItem* heading = ui.find(view, QStringLiteral("openAppsHeading"));
         QQuickItem* none = ui.find(view, QStringLiteral("noAppsText"));
@@ -177,7 +177,7 @@ private slots:
         QQuickItem* warningText = ui.find(view, QStringLiteral("accessWarningText"));
         QCOMPARE(warningText->property("text").toString(),
                  QStringLiteral("Accessibility access required. Grant it in Settings."));
-        QCOMPARE(warningText->property("color").value<QColor>(), Palette::orange);
+        QCOMPARE(warningText->property("color").value<QColor>(), ColorScheme::light().orange);
         QCOMPARE(warningText->property("font").value<QFont>().pixelSize(), Theme().captionSize);
         // Symbol and text form one label, the text taking the rest of the width.
         QCOMPARE(warning->property("spacing").toReal(), qreal(Theme().labelSpacing));

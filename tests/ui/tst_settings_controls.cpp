@@ -66,15 +66,15 @@ private slots:
         Hosted card = host(ui, "ActionOptionCard.qml", {{"option", option()}, {"isSelected", true}}, 170);
         QVERIFY(card.item);
         QQuickItem* background = card.item->property("background").value<QQuickItem*>();
-        QVERIFY(sameColor(background->property("color").value<QColor>(), Palette::accent, 0.06));
+        QVERIFY(sameColor(background->property("color").value<QColor>(), ColorScheme::light().accent, 0.06));
         QCOMPARE(background->property("radius").toReal(), 18.0);
         QObject* border = background->property("border").value<QObject*>();
         QCOMPARE(border->property("width").toReal(), 2.0);
-        QCOMPARE(border->property("color").value<QColor>(), Palette::accent);
-        QVERIFY(sameColor(colorOf(card.item, "cardIconTile"), Palette::accent, 0.14));
+        QCOMPARE(border->property("color").value<QColor>(), ColorScheme::light().accent);
+        QVERIFY(sameColor(colorOf(card.item, "cardIconTile"), ColorScheme::light().accent, 0.14));
         QCOMPARE(UiFixture::findIn(card.item, QStringLiteral("cardIconTile"))->width(), 52.0);
-        QCOMPARE(colorOf(card.item, "cardSymbol", "tint"), Palette::accent);
-        QCOMPARE(colorOf(card.item, "checkboxBox"), Palette::accent);
+        QCOMPARE(colorOf(card.item, "cardSymbol", "tint"), ColorScheme::light().accent);
+        QCOMPARE(colorOf(card.item, "checkboxBox"), ColorScheme::light().accent);
         QVERIFY(UiFixture::findIn(card.item, QStringLiteral("checkboxMark"))->isVisible());
         QVERIFY(card.item->height() >= 180);
     }
@@ -102,7 +102,7 @@ private slots:
         QCOMPARE(title->property("font").value<QFont>().pixelSize(), theme.headlineSize);
         QCOMPARE(title->property("font").value<QFont>().weight(), QFont::DemiBold);
         QCOMPARE(summary->property("font").value<QFont>().pixelSize(), theme.subheadlineSize);
-        QCOMPARE(summary->property("color").value<QColor>(), Palette::secondary);
+        QCOMPARE(summary->property("color").value<QColor>(), ColorScheme::light().secondary);
         QCOMPARE(summary->property("horizontalAlignment").toInt(), int(Qt::AlignLeft));
     }
 
@@ -124,10 +124,10 @@ private slots:
         QCOMPARE(row.item->height(), 16 + title->height() + 4 + subtitle->height() + 16);
         QQuickItem* background = row.item->property("background").value<QQuickItem*>();
         QCOMPARE(background->property("radius").toReal(), 16.0);
-        QCOMPARE(background->property("color").value<QColor>(), Palette::controlBackground);
+        QCOMPARE(background->property("color").value<QColor>(), ColorScheme::light().controlBackground);
         QCOMPARE(title->property("font").value<QFont>().pixelSize(), theme.headlineSize);
         QCOMPARE(subtitle->property("font").value<QFont>().pixelSize(), theme.subheadlineSize);
-        QCOMPARE(subtitle->property("color").value<QColor>(), Palette::secondary);
+        QCOMPARE(subtitle->property("color").value<QColor>(), ColorScheme::light().secondary);
     }
 
     void unselectedCardLook()
@@ -136,13 +136,13 @@ private slots:
         ui.start();
         Hosted card = host(ui, "ActionOptionCard.qml", {{"option", option()}, {"isSelected", false}}, 170);
         QQuickItem* background = card.item->property("background").value<QQuickItem*>();
-        QCOMPARE(background->property("color").value<QColor>(), Palette::controlBackground);
+        QCOMPARE(background->property("color").value<QColor>(), ColorScheme::light().controlBackground);
         QObject* border = background->property("border").value<QObject*>();
         QCOMPARE(border->property("width").toReal(), 1.0);
-        QCOMPARE(border->property("color").value<QColor>(), Palette::separator);
-        QCOMPARE(colorOf(card.item, "cardIconTile"), Palette::control);
-        QCOMPARE(colorOf(card.item, "cardSymbol", "tint"), Palette::secondary);
-        QCOMPARE(colorOf(card.item, "checkboxBox"), Palette::windowBackground);
+        QCOMPARE(border->property("color").value<QColor>(), ColorScheme::light().separator);
+        QCOMPARE(colorOf(card.item, "cardIconTile"), ColorScheme::light().control);
+        QCOMPARE(colorOf(card.item, "cardSymbol", "tint"), ColorScheme::light().secondary);
+        QCOMPARE(colorOf(card.item, "checkboxBox"), ColorScheme::light().windowBackground);
         QVERIFY(!UiFixture::findIn(card.item, QStringLiteral("checkboxMark"))->isVisible());
     }
 
@@ -155,7 +155,7 @@ private slots:
         UiFixture::click(*card.window, card.item, QPointF(20, card.item->height() - 10));
         QCOMPARE(select.count(), 1);
         QVERIFY(!card.item->property("isSelected").toBool());
-        QCOMPARE(colorOf(card.item, "checkboxBox"), Palette::windowBackground);
+        QCOMPARE(colorOf(card.item, "checkboxBox"), ColorScheme::light().windowBackground);
     }
 
     void aLongCardSummaryWrapsAndTheCardGrows()
@@ -181,7 +181,7 @@ private slots:
         UiFixture::click(*row.window, row.item);
         QCOMPARE(toggled.count(), 0);
         QCOMPARE(row.item->opacity(), 0.72);
-        QCOMPARE(colorOf(row.item, "checkboxRowTitle"), Palette::secondary);
+        QCOMPARE(colorOf(row.item, "checkboxRowTitle"), ColorScheme::light().secondary);
         QVERIFY(!UiFixture::findIn(row.item, QStringLiteral("checkboxMark"))->isVisible());
         row.item->setProperty("isOn", true);
         QVERIFY(UiFixture::findIn(row.item, QStringLiteral("checkboxMark"))->isVisible());
@@ -193,7 +193,7 @@ private slots:
         ui.start();
         Hosted row = host(ui, "CheckboxRow.qml", {{"title", "Title"}, {"subtitle", "Subtitle"}, {"isOn", true}}, 400);
         QCOMPARE(row.item->opacity(), 1.0);
-        QCOMPARE(colorOf(row.item, "checkboxRowTitle"), Palette::primary);
+        QCOMPARE(colorOf(row.item, "checkboxRowTitle"), ColorScheme::light().primary);
         QSignalSpy toggled(row.item, SIGNAL(toggleRequested(bool)));
         UiFixture::click(*row.window, row.item);
         QCOMPARE(toggled.count(), 1);
@@ -225,7 +225,7 @@ private slots:
         QCOMPARE(box->width(), 24.0);
         QCOMPARE(box->height(), 24.0);
         QCOMPARE(box->property("radius").toReal(), 7.0);
-        QCOMPARE(box->property("color").value<QColor>(), Palette::accent);
+        QCOMPARE(box->property("color").value<QColor>(), ColorScheme::light().accent);
         // The 1.5 outline is centred on the square's edge: its box reaches 0.75 outside.
         QQuickItem* stroke = UiFixture::findIn(indicator.item, QStringLiteral("checkboxStroke"));
         QVERIFY(stroke);
@@ -236,8 +236,8 @@ private slots:
         QCOMPARE(stroke->property("radius").toReal(), 7.75);
         QObject* border = stroke->property("border").value<QObject*>();
         QCOMPARE(border->property("width").toReal(), 1.5);
-        QCOMPARE(border->property("color").value<QColor>(), Palette::accent);
-        QCOMPARE(colorOf(indicator.item, "checkboxMark", "tint"), Palette::white);
+        QCOMPARE(border->property("color").value<QColor>(), ColorScheme::light().accent);
+        QCOMPARE(colorOf(indicator.item, "checkboxMark", "tint"), ColorScheme::light().white);
         QCOMPARE(UiFixture::findIn(indicator.item, QStringLiteral("checkboxMark"))->property("name").toString(),
                  QStringLiteral("checkmark"));
         // The white mark spans about 11 of the 24 points, centred.
@@ -257,8 +257,8 @@ private slots:
         QVERIFY(qAbs((left + right) / 2.0 - square.center().x()) <= 1.5);
 
         indicator.item->setProperty("isSelected", false);
-        QCOMPARE(border->property("color").value<QColor>(), Palette::separator);
-        QCOMPARE(box->property("color").value<QColor>(), Palette::windowBackground);
+        QCOMPARE(border->property("color").value<QColor>(), ColorScheme::light().separator);
+        QCOMPARE(box->property("color").value<QColor>(), ColorScheme::light().windowBackground);
         QVERIFY(!UiFixture::findIn(indicator.item, QStringLiteral("checkboxMark"))->isVisible());
     }
 };

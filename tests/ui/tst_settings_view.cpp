@@ -178,7 +178,7 @@ private slots:
                  QStringLiteral("Stowly needs Accessibility access to minimize or close windows in other apps."));
         QQuickItem* symbol = ui.find(view, QStringLiteral("accessSymbol"));
         QCOMPARE(symbol->property("name").toString(), QStringLiteral("exclamationmark.triangle.fill"));
-        QCOMPARE(symbol->property("tint").value<QColor>(), Palette::orange);
+        QCOMPARE(symbol->property("tint").value<QColor>(), ColorScheme::light().orange);
         QVERIFY(ui.find(view, QStringLiteral("accessButtons"))->isVisible());
         QCOMPARE(text(view, "grantAccessButton"), QStringLiteral("Grant Accessibility Access"));
         QCOMPARE(text(view, "openSystemSettingsButton"), QStringLiteral("Open System Settings"));
@@ -196,7 +196,7 @@ private slots:
         QCOMPARE(text(view, "accessTitle"), QStringLiteral("Access granted"));
         QCOMPARE(text(view, "accessDetail"), QStringLiteral("Stowly can manage windows across all apps."));
         QCOMPARE(symbol->property("name").toString(), QStringLiteral("checkmark.shield.fill"));
-        QCOMPARE(symbol->property("tint").value<QColor>(), Palette::green);
+        QCOMPARE(symbol->property("tint").value<QColor>(), ColorScheme::light().green);
         QVERIFY(!ui.find(view, QStringLiteral("accessButtons"))->isVisible());
     }
 
@@ -243,8 +243,8 @@ private slots:
         QQuickItem* symbol = ui.find(view, QStringLiteral("appliedFromMenuBarSymbol"));
         QQuickItem* text = ui.find(view, QStringLiteral("appliedFromMenuBar"));
         QCOMPARE(symbol->property("name").toString(), QStringLiteral("menubar.rectangle"));
-        QCOMPARE(symbol->property("tint").value<QColor>(), Palette::secondary);
-        QCOMPARE(text->property("color").value<QColor>(), Palette::secondary);
+        QCOMPARE(symbol->property("tint").value<QColor>(), ColorScheme::light().secondary);
+        QCOMPARE(text->property("color").value<QColor>(), ColorScheme::light().secondary);
         QCOMPARE(text->property("font").value<QFont>().pixelSize(), Theme().footnoteSize);
         // The label's own gap, not the header's 10, and the label ends at the right margin.
         const qreal gap = text->mapToScene(QPointF(0, 0)).x() - symbol->mapToScene(QPointF(symbol->width(), 0)).x();
@@ -292,13 +292,13 @@ private slots:
             QCOMPARE(item(heading)->mapToScene(QPointF(0, 0)).x(), 28.0);
         }
         QCOMPARE(font("actionsIntro").pixelSize(), theme.subheadlineSize);
-        QCOMPARE(item("actionsIntro")->property("color").value<QColor>(), Palette::secondary);
+        QCOMPARE(item("actionsIntro")->property("color").value<QColor>(), ColorScheme::light().secondary);
         QCOMPARE(font("defaultSummaryTitle").pixelSize(), theme.headlineSize);
         QCOMPARE(font("defaultSummaryText").pixelSize(), theme.subheadlineSize);
-        QCOMPARE(item("defaultSummaryText")->property("color").value<QColor>(), Palette::secondary);
+        QCOMPARE(item("defaultSummaryText")->property("color").value<QColor>(), ColorScheme::light().secondary);
         QCOMPARE(font("accessTitle").pixelSize(), theme.headlineSize);
         QCOMPARE(font("accessDetail").pixelSize(), theme.subheadlineSize);
-        QCOMPARE(item("accessDetail")->property("color").value<QColor>(), Palette::secondary);
+        QCOMPARE(item("accessDetail")->property("color").value<QColor>(), ColorScheme::light().secondary);
         // 28 around the sections, 18 inside each: the first heading 28 from the top.
         QCOMPARE(top(item("primaryActionHeading")), 28.0);
         QCOMPARE(top(item("startupSection")) - bottom(item("actionSection")), 28.0 + 1 + 28.0);
@@ -315,7 +315,7 @@ private slots:
         // The two boxes: 16 inside, radius 16, the symbol 12 from the texts, texts 4 apart.
         for (const char* box : {"summaryBox", "accessStatusBox"}) {
             QCOMPARE(item(box)->property("radius").toReal(), 16.0);
-            QCOMPARE(item(box)->property("color").value<QColor>(), Palette::controlBackground);
+            QCOMPARE(item(box)->property("color").value<QColor>(), ColorScheme::light().controlBackground);
         }
         QQuickItem* accessSymbol = item("accessSymbol");
         QQuickItem* accessTitle = item("accessTitle");

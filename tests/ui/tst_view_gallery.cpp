@@ -2,9 +2,12 @@
 // (gallery/*.png) for a look by eye, and checked for what a look would catch: texts that
 // run past their box or out of the window, boxes that leave their margins.
 #include "RunningAppsListModel.h"
+#include "Theme.h"
 #include "UiFixture.h"
 
 #include <QDir>
+#include <QGuiApplication>
+#include <QPalette>
 #include <QQuickWindow>
 #include <QTest>
 
@@ -132,6 +135,33 @@ private slots:
         const qreal menuRight = menu->property("x").toReal() + menu->property("width").toReal();
         QCOMPARE(menuParent->mapToScene(QPointF(menuRight, 0)).x(), button->mapToScene(QPointF(button->width(), 0)).x());
         QVERIFY(menuParent->mapToScene(QPointF(menuRight, 0)).x() <= 340 - 14);
+    }
+
+    void panelAndSettingsInLightAndDark()
+    {
+        const QPalette before = QGuiApplication::palette();
+        for (const bool dark : {false, true}) {
+            QPalette desktop;
+            desktop.setColor(QPalette::Window, dark ? QColor(0x2a, 0x2a, 0x2a) : QColor(0xef, 0xef, 0xef));
+            desktop.setColor(QPalette::WindowText, dark ? QColor(0xee, 0xee, 0xee) : QColor(0x10, 0x10, 0x10));
+            QGuiApplication::setPalette(desktop);
+            UiFixture ui;
+            ui.fake.trust.trusted = false;
+            ui.addApp(101, "Terminal", 48ull << 20)->active = true;
+            ui.addApp(102, "Notes", 3ull << 30)->hidden = true;
+            ui.addApp(103, "Mail", 212ull << 20);
+            ui.start();
+            const ColorScheme& scheme = dark ? ColorScheme::dark() : ColorScheme::light();
+            QQuickView& panel = ui.panel();
+            QCOMPARE(panel.rootObject()->property("color").value<QColor>(), scheme.windowBackground);
+            save(panel, dark ? "panel_dark" : "panel_light");
+            checkTextsFit(panel, 14, 340 - 14);
+            QQuickView& settings = ui.settings();
+            QCOMPARE(settings.rootObject()->property("color").value<QColor>(), scheme.windowBackground);
+            save(settings, dark ? "settings_dark" : "settings_light");
+            checkTextsFit(settings, 28, 760 - 28);
+        }
+        QGuiApplication::setPalette(before);
     }
 
     void panelWithoutApps()
