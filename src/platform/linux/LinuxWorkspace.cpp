@@ -83,7 +83,7 @@ std::shared_ptr<const LinuxWorkspace::AppTable> LinuxWorkspace::freshTable()
 }
 
 std::shared_ptr<const LinuxWorkspace::AppTable>
-LinuxWorkspace::buildTable(std::shared_ptr<const WindowSnapshot> snapshot)
+LinuxWorkspace::buildTable(const std::shared_ptr<const WindowSnapshot>& snapshot)
 {
     auto table = std::make_shared<AppTable>();
     table->snapshot = snapshot;

@@ -86,7 +86,7 @@ private:
         std::unordered_map<std::int32_t, RunningApplicationRef> byPid;
     };
 
-    std::shared_ptr<const AppTable> buildTable(std::shared_ptr<const WindowSnapshot> snapshot);
+    std::shared_ptr<const AppTable> buildTable(const std::shared_ptr<const WindowSnapshot>& snapshot);
     std::shared_ptr<const AppTable> freshTable();
     std::vector<const ClientWindow*> windowsOf(const WindowSnapshot& snapshot, std::int32_t pid) const;
     std::vector<xcb_window_t> windowIdsOf(const WindowSnapshot& snapshot, std::int32_t pid) const;
