@@ -47,11 +47,14 @@ std::optional<DefaultAction> DefaultAction::fromRawValue(const QString& rawValue
     return std::nullopt;
 }
 
+// One accessor a line: they differ only in the field they read.
+// clang-format off
 QString DefaultAction::rawValue() const { return QString::fromLatin1(textsOf(*this).rawValue); }
 QString DefaultAction::title() const { return QString::fromLatin1(textsOf(*this).title); }
 QString DefaultAction::summary() const { return QString::fromLatin1(textsOf(*this).summary); }
 QString DefaultAction::systemImage() const { return QString::fromLatin1(textsOf(*this).systemImage); }
 QString DefaultAction::shortTitle() const { return QString::fromLatin1(textsOf(*this).shortTitle); }
 QString DefaultAction::cardSummary() const { return QString::fromLatin1(textsOf(*this).cardSummary); }
+// clang-format on
 
 } // namespace stowly

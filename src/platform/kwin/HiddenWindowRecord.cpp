@@ -11,7 +11,7 @@ namespace stowly::kwin {
 
 namespace {
 // A uuid is short; anything else in the file is not ours to believe.
-constexpr qsizetype maxRecordBytes = 256 * 1024;
+constexpr qsizetype maxRecordBytes = qsizetype{256} * 1024;
 constexpr qsizetype maxUuidLength = 64;
 } // namespace
 

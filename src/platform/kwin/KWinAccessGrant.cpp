@@ -42,7 +42,7 @@ std::string kwinExecArgument(const std::string& path)
         command += '"';
     for (const char c : path) {
         if (c == '"')
-            command += "\"\"\"";
+            command += R"(""")";
         else
             command += c;
     }
@@ -57,7 +57,7 @@ std::string kwinExecArgument(const std::string& path)
     return value;
 }
 
-KWinAccessGrant::KWinAccessGrant(std::string executable, std::string applicationsDir)
+KWinAccessGrant::KWinAccessGrant(std::string executable, const std::string& applicationsDir)
     : m_executable(executable.empty() ? runningExecutable() : std::move(executable)),
       m_entryPath((applicationsDir.empty() ? userApplicationsDir() : applicationsDir) + "/" + kEntryFileName)
 {

@@ -11,7 +11,7 @@ namespace stowly::kwin {
 class KWinAccessGrant {
 public:
     // Empty arguments: /proc/self/exe and $XDG_DATA_HOME/applications (or ~/.local/share/...).
-    explicit KWinAccessGrant(std::string executable = {}, std::string applicationsDir = {});
+    explicit KWinAccessGrant(std::string executable = {}, const std::string& applicationsDir = {});
 
     // Our entry names this executable already.
     bool isWritten() const;

@@ -15,7 +15,7 @@ QString PlasmaSystemSettings::executable() const
 {
     // Plasma 5 installs it under both names; Plasma 6 only as "systemsettings".
     for (const QString& name : {QStringLiteral("systemsettings"), QStringLiteral("systemsettings5")}) {
-        const QString path = m_findExecutable(name);
+        QString path = m_findExecutable(name);
         if (!path.isEmpty())
             return path;
     }

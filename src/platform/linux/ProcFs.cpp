@@ -149,7 +149,7 @@ bool processIsAlive(std::int32_t pid)
     return state != 'Z' && state != 'X' && state != 'x';
 }
 
-ProcStatusCache::ProcStatusCache() : m_buffer(16 * 1024)
+ProcStatusCache::ProcStatusCache() : m_buffer(std::size_t{16} * 1024)
 {
     // Keep files open only while that leaves most descriptors to the rest of the program
     // and stays clear of FD_SETSIZE for any library that still uses select().

@@ -58,7 +58,7 @@ private:
 };
 
 // Reads a small /proc file whole; nullopt when it cannot be read.
-std::optional<std::string> readProcFile(const std::string& path, std::size_t limit = 64 * 1024);
+std::optional<std::string> readProcFile(const std::string& path, std::size_t limit = std::size_t{64} * 1024);
 ProcStatus parseProcStatus(std::string_view text);
 // The process exists and is not a zombie.
 bool processIsAlive(std::int32_t pid);

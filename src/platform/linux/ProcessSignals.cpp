@@ -121,7 +121,7 @@ SignalVerdict sendSignalGuarded(std::int32_t pid, int signal, std::optional<std:
     if (pidfd.get() < 0 && errno != ENOSYS && errno != EPERM)
         return SignalVerdict::gone;
     target.stat = readProcStat(pid);
-    if (const auto status = readProcFile("/proc/" + std::to_string(pid) + "/status", 16 * 1024)) {
+    if (const auto status = readProcFile("/proc/" + std::to_string(pid) + "/status", std::size_t{16} * 1024)) {
         const ProcStatus parsed = parseProcStatus(*status);
         target.realUid = parsed.realUid;
         target.effectiveUid = parsed.effectiveUid;

@@ -41,7 +41,7 @@ std::vector<std::string> xdgDataDirectories()
 
 std::string xdgConfigHome()
 {
-    const std::string config = envOr("XDG_CONFIG_HOME", "");
+    std::string config = envOr("XDG_CONFIG_HOME", "");
     if (isAbsolute(config))
         return config;
     return envOr("HOME", "") + "/.config";

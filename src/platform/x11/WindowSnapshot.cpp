@@ -319,7 +319,7 @@ std::shared_ptr<const WindowSnapshot> currentWindowSnapshot(XConnection& x, Icon
 {
     if (x.ensureConnected()) {
         x.drainEvents();   // also notices a server that went away
-        const auto latest = x.latestSnapshot();
+        auto latest = x.latestSnapshot();
         if (x.isConnected() && latest && latest->connected && latest->withIcons &&
             latest->generation == x.generation() && !x.clientListChangedSince(latest->listSerial) &&
             !x.rootStateChangedSince(latest->listSerial) &&
@@ -335,7 +335,7 @@ std::shared_ptr<const WindowSnapshot> windowSnapshotFor(XConnection& x, std::int
 {
     if (x.ensureConnected()) {
         x.drainEventsOlderThan(kWalkStepFreshness);   // also notices a server that went away
-        const auto latest = x.latestSnapshot();
+        auto latest = x.latestSnapshot();
         if (x.isConnected() && latest && latest->connected && latest->generation == x.generation() &&
             !x.clientListChangedSince(latest->listSerial)) {
             const bool unchanged = std::none_of(latest->windows.begin(), latest->windows.end(),

@@ -45,7 +45,7 @@ std::shared_ptr<const X11Workspace::AppTable> X11Workspace::freshTable()
 }
 
 std::shared_ptr<const X11Workspace::AppTable>
-X11Workspace::buildTable(std::shared_ptr<const WindowSnapshot> snapshot)
+X11Workspace::buildTable(const std::shared_ptr<const WindowSnapshot>& snapshot)
 {
     auto table = std::make_shared<AppTable>();
     table->snapshot = snapshot;

@@ -47,7 +47,7 @@ private:
         linuxdesktop::AppsByPid byPid;
     };
 
-    std::shared_ptr<const AppTable> buildTable(std::shared_ptr<const WindowSnapshot> snapshot);
+    std::shared_ptr<const AppTable> buildTable(const std::shared_ptr<const WindowSnapshot>& snapshot);
     std::shared_ptr<const AppTable> freshTable();
     std::vector<const ClientWindow*> windowsOf(const WindowSnapshot& snapshot, std::int32_t pid) const;
     std::vector<xcb_window_t> windowIdsOf(const WindowSnapshot& snapshot, std::int32_t pid) const;

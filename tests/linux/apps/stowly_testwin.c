@@ -92,6 +92,8 @@ int main(int argc, char** argv)
     for (int i = 1; i < argc; ++i) {
         const char* a = argv[i];
         const int more = i + 1 < argc;
+        /* One option a line reads as a table. */
+        /* clang-format off */
         if (!strcmp(a, "--title") && more) title = argv[++i];
         else if (!strcmp(a, "--class") && i + 2 < argc) { instance = argv[++i]; klass = argv[++i]; }
         else if (!strcmp(a, "--type") && more) type = argv[++i];
@@ -111,6 +113,7 @@ int main(int argc, char** argv)
         else if (!strcmp(a, "--child-alloc-mb") && more) child_alloc_mb = (size_t)atoi(argv[++i]);
         else if (!strcmp(a, "--churn")) churn = 1;
         else usage();
+        /* clang-format on */
     }
     if (windows < 1 || windows > MAX_WINDOWS)
         usage();
