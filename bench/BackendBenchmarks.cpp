@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // Stowly's own hot paths over the Linux backend, on the display scripts/bench started:
 // the list refresh (the service call and the model's timer tick) and the two bulk window
 // actions, timed on our side and until the window manager has applied them.
@@ -56,7 +60,7 @@ std::vector<xcb_window_t> currentTargets(benchmark::State& state, const BenchOpt
 void runningApps(benchmark::State& state)
 {
     auto& env = Environment::get();
-    benchmark::DoNotOptimize(env.minimizer.runningApps());   // warm: first-call caches
+    benchmark::DoNotOptimize(env.minimizer.runningApps()); // warm: first-call caches
     std::size_t apps = 0;
     for (auto _ : state) {
         const auto start = Clock::now();
@@ -74,11 +78,11 @@ void runningApps(benchmark::State& state)
 bool sameList(const std::vector<RunningAppInfo>& a, const std::vector<RunningAppInfo>& b)
 {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const RunningAppInfo& x, const RunningAppInfo& y) {
-        const bool sameIcon = (!x.icon && !y.icon)
-            || (x.icon && y.icon && x.icon->width == y.icon->width && x.icon->height == y.icon->height
-                && x.icon->argb == y.icon->argb);
-        return x.id == y.id && x.name == y.name && x.isHidden == y.isHidden && x.isActive == y.isActive
-            && x.memoryBytes == y.memoryBytes && sameIcon;
+        const bool sameIcon =
+            (!x.icon && !y.icon) || (x.icon && y.icon && x.icon->width == y.icon->width &&
+                                     x.icon->height == y.icon->height && x.icon->argb == y.icon->argb);
+        return x.id == y.id && x.name == y.name && x.isHidden == y.isHidden && x.isActive == y.isActive &&
+               x.memoryBytes == y.memoryBytes && sameIcon;
     });
 }
 
@@ -125,7 +129,7 @@ void minimizeAllWindows(benchmark::State& state, const BenchOptions& options)
             state.SkipWithError("the targets could not be restored");
             break;
         }
-        std::this_thread::sleep_for(std::chrono::milliseconds(150));   // let focus and redraws settle
+        std::this_thread::sleep_for(std::chrono::milliseconds(150)); // let focus and redraws settle
         env.observer.drain();
         const auto start = Clock::now();
         const std::int64_t count = env.minimizer.minimizeAllWindows();

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // Google Benchmark entry with a Qt core application around it (the model's timer needs one;
 // the event loop never runs while a case is timed, so no tick can land inside a measurement).
 //

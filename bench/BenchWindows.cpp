@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // The test bed's helper on the X side, for scripts/bench:
 //
 //   stowly_bench_windows windows COUNT dialog|normal   open COUNT idle client windows of that
@@ -30,8 +34,8 @@ namespace {
 
 xcb_atom_t intern(xcb_connection_t* c, const char* name)
 {
-    auto* reply = xcb_intern_atom_reply(c, xcb_intern_atom(c, 0, static_cast<std::uint16_t>(std::strlen(name)), name),
-                                        nullptr);
+    auto* reply =
+        xcb_intern_atom_reply(c, xcb_intern_atom(c, 0, static_cast<std::uint16_t>(std::strlen(name)), name), nullptr);
     const xcb_atom_t atom = reply ? reply->atom : XCB_NONE;
     std::free(reply);
     return atom;
@@ -197,6 +201,7 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "stowly_bench_windows: %s\n", e.what());
         return 1;
     }
-    std::fprintf(stderr, "usage: stowly_bench_windows windows COUNT [dialog|normal] | wait-class CLASS COUNT [SECONDS] | clients | idle COUNT\n");
+    std::fprintf(stderr, "usage: stowly_bench_windows windows COUNT [dialog|normal] | wait-class CLASS COUNT [SECONDS] "
+                         "| clients | idle COUNT\n");
     return 2;
 }

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // Other programs that answer part of the same question as Stowly's refresh, timed whole
 // (fork, exec, run, exit) exactly as a user would run them once.
 

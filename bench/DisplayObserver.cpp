@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "DisplayObserver.h"
 
 #include <poll.h>
@@ -27,8 +31,8 @@ bool classMatches(const char* value, int length, const std::string& wanted)
     int start = 0;
     while (start < length) {
         const int partLength = static_cast<int>(strnlen(value + start, static_cast<std::size_t>(length - start)));
-        if (static_cast<std::size_t>(partLength) == wanted.size()
-            && strncasecmp(value + start, wanted.c_str(), wanted.size()) == 0)
+        if (static_cast<std::size_t>(partLength) == wanted.size() &&
+            strncasecmp(value + start, wanted.c_str(), wanted.size()) == 0)
             return true;
         start += partLength + 1;
     }
@@ -163,37 +167,45 @@ bool DisplayObserver::waitUntil(Pending pendingCount, std::chrono::milliseconds 
 
 bool DisplayObserver::waitAllHidden(const std::vector<xcb_window_t>& windows, std::chrono::milliseconds timeout)
 {
-    return waitUntil([&] {
-        const auto flags = hiddenFlags(windows);
-        return std::count(flags.begin(), flags.end(), false);
-    }, timeout);
+    return waitUntil(
+        [&] {
+            const auto flags = hiddenFlags(windows);
+            return std::count(flags.begin(), flags.end(), false);
+        },
+        timeout);
 }
 
 bool DisplayObserver::waitNoneHidden(const std::vector<xcb_window_t>& windows, std::chrono::milliseconds timeout)
 {
-    return waitUntil([&] {
-        const auto flags = hiddenFlags(windows);
-        return std::count(flags.begin(), flags.end(), true);
-    }, timeout);
+    return waitUntil(
+        [&] {
+            const auto flags = hiddenFlags(windows);
+            return std::count(flags.begin(), flags.end(), true);
+        },
+        timeout);
 }
 
 bool DisplayObserver::waitAllGone(const std::vector<xcb_window_t>& windows, std::chrono::milliseconds timeout)
 {
-    return waitUntil([&] {
-        const auto listed = clientList();
-        return std::count_if(windows.begin(), windows.end(), [&](xcb_window_t window) {
-            return std::find(listed.begin(), listed.end(), window) != listed.end();
-        });
-    }, timeout);
+    return waitUntil(
+        [&] {
+            const auto listed = clientList();
+            return std::count_if(windows.begin(), windows.end(), [&](xcb_window_t window) {
+                return std::find(listed.begin(), listed.end(), window) != listed.end();
+            });
+        },
+        timeout);
 }
 
 bool DisplayObserver::waitClientsOfClass(const std::string& className, std::size_t count,
                                          std::chrono::milliseconds timeout)
 {
-    return waitUntil([&] {
-        const auto clients = clientsOfClass(className);
-        return clients.size() >= count ? std::size_t(0) : count - clients.size();
-    }, timeout);
+    return waitUntil(
+        [&] {
+            const auto clients = clientsOfClass(className);
+            return clients.size() >= count ? std::size_t(0) : count - clients.size();
+        },
+        timeout);
 }
 
 bool DisplayObserver::restore(const std::vector<xcb_window_t>& windows, std::chrono::milliseconds timeout)
@@ -204,7 +216,7 @@ bool DisplayObserver::restore(const std::vector<xcb_window_t>& windows, std::chr
         event.format = 32;
         event.window = window;
         event.type = m_activeWindow;
-        event.data.data32[0] = 2;   // source indication: a pager
+        event.data.data32[0] = 2; // source indication: a pager
         event.data.data32[1] = XCB_CURRENT_TIME;
         xcb_send_event(m_connection, 0, m_root,
                        XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include <xcb/xcb.h>
@@ -13,7 +17,7 @@ namespace stowly::bench {
 // than when our code returned. It never goes through the backend under test.
 class DisplayObserver {
 public:
-    DisplayObserver();   // $DISPLAY; throws std::runtime_error when it cannot connect
+    DisplayObserver(); // $DISPLAY; throws std::runtime_error when it cannot connect
     ~DisplayObserver();
     DisplayObserver(const DisplayObserver&) = delete;
     DisplayObserver& operator=(const DisplayObserver&) = delete;

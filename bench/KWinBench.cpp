@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // Stowly's hot paths on KDE Plasma's Wayland session, beside what users script today: in a
 // private headless KWin with 40 native Wayland windows of one app, per round and in an order
 // that flips every round,
@@ -90,19 +94,22 @@ int main(int argc, char** argv)
     }
     const int pid = session.startNative("bench", {"--windows", std::to_string(kWindows)});
     stowly::kwin::PlasmaWindowManagement observer;
-    if (!tb::waitUntil([&] {
-            observer.sync(1000);
-            const auto windows = observer.windows();
-            return std::count_if(windows.begin(), windows.end(), [&](const auto& w) { return w.pid == pid; }) ==
-                   kWindows;
-        }, 30s)) {
+    if (!tb::waitUntil(
+            [&] {
+                observer.sync(1000);
+                const auto windows = observer.windows();
+                return std::count_if(windows.begin(), windows.end(), [&](const auto& w) { return w.pid == pid; }) ==
+                       kWindows;
+            },
+            30s)) {
         std::fprintf(stderr, "stowly_kwin_bench: the %d windows did not appear\n", kWindows);
         return 1;
     }
     const std::string script = session.root() + "/minimize-all.js";
     tb::writeFile(script, "var list = workspace.clientList();\n"
                           "for (var i = 0; i < list.length; ++i)\n"
-                          "    if (list[i].pid == " + std::to_string(pid) + ") list[i].minimized = true;\n");
+                          "    if (list[i].pid == " +
+                              std::to_string(pid) + ") list[i].minimized = true;\n");
 
     stowly::kwin::KWinPlatform kwin;
     stowly::Platform& platform = kwin.platform();
@@ -126,26 +133,31 @@ int main(int argc, char** argv)
                 ours.push_back(untilApplied(observer, pid, start));
             } else {
                 const std::string name = "stowly-bench-" + std::to_string(round);
-                const std::string reply = tb::run(
-                    "dbus-send --session --print-reply --dest=org.kde.KWin /Scripting "
-                    "org.kde.kwin.Scripting.loadScript string:'" + script + "' string:'" + name + "'");
+                const std::string reply = tb::run("dbus-send --session --print-reply --dest=org.kde.KWin /Scripting "
+                                                  "org.kde.kwin.Scripting.loadScript string:'" +
+                                                  script + "' string:'" + name + "'");
                 const auto at = reply.find("int32 ");
-                const std::string id = at == std::string::npos ? "0" : std::to_string(std::atoi(reply.c_str() + at + 6));
+                const std::string id =
+                    at == std::string::npos ? "0" : std::to_string(std::atoi(reply.c_str() + at + 6));
                 tb::run("dbus-send --session --print-reply --dest=org.kde.KWin /" + id + " org.kde.kwin.Script.run");
                 scripted.push_back(untilApplied(observer, pid, start));
-                tb::run("dbus-send --session --dest=org.kde.KWin /Scripting org.kde.kwin.Scripting.unloadScript string:'" +
-                        name + "'");
+                tb::run(
+                    "dbus-send --session --dest=org.kde.KWin /Scripting org.kde.kwin.Scripting.unloadScript string:'" +
+                    name + "'");
             }
         }
     }
     tb::kill(pid);
 
     const double snap = median(snapshot), mine = median(ours), theirs = median(scripted);
-    std::printf("| Operation on KWin (%d native windows of one app) | Ours (median) | KWin script over D-Bus (median) | Script / ours |\n", kWindows);
+    std::printf("| Operation on KWin (%d native windows of one app) | Ours (median) | KWin script over D-Bus (median) "
+                "| Script / ours |\n",
+                kWindows);
     std::printf("|---|---|---|---|\n");
     std::printf("| WindowMinimizer::runningApps() | %s | — | — |\n", format(snap).c_str());
-    std::printf("| minimize all %d windows until KWin applied them | %s | %s | %.2f× |\n", kWindows, format(mine).c_str(),
-                format(theirs).c_str(), mine > 0 ? theirs / mine : 0.0);
-    std::printf("\n%d rounds; the snapshot %d times per round; a failed wait counts as -1.\n", rounds, kSnapshotsPerRound);
+    std::printf("| minimize all %d windows until KWin applied them | %s | %s | %.2f× |\n", kWindows,
+                format(mine).c_str(), format(theirs).c_str(), mine > 0 ? theirs / mine : 0.0);
+    std::printf("\n%d rounds; the snapshot %d times per round; a failed wait counts as -1.\n", rounds,
+                kSnapshotsPerRound);
     return 0;
 }

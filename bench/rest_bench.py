@@ -1,4 +1,9 @@
 #!/usr/bin/env python3
+
+# SPDX-FileCopyrightText: 2026 The Stowly developers
+#
+# SPDX-License-Identifier: MIT
+
 """Stowly at rest beside tray apps a user already runs, on the desktop of the end-to-end tests.
 
 Started by scripts/bench-rest after it has built everything. One desktop (Xvfb, openbox, tint2

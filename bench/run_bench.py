@@ -1,4 +1,9 @@
 #!/usr/bin/env python3
+
+# SPDX-FileCopyrightText: 2026 The Stowly developers
+#
+# SPDX-License-Identifier: MIT
+
 """Times Stowly's hot paths beside the floors and other tools, on a private test bed.
 
 Started by scripts/bench after it has built everything into BUILD. Per configuration

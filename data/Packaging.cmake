@@ -1,3 +1,7 @@
+# SPDX-FileCopyrightText: 2026 The Stowly developers
+#
+# SPDX-License-Identifier: MIT
+
 # A Debian package through CPack: scripts/package builds it.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME stowly)

@@ -1,4 +1,9 @@
 #!/usr/bin/python3
+
+# SPDX-FileCopyrightText: 2026 The Stowly developers
+#
+# SPDX-License-Identifier: MIT
+
 """Runs the real Stowly in a private, headless KDE Plasma Wayland session (KWin on a virtual
 output with Xwayland), with native Wayland and Xwayland apps open, clicks its tray item
 through a stand-in StatusNotifierWatcher and saves a picture of the panel.

@@ -1,4 +1,9 @@
 #!/usr/bin/python3
+
+# SPDX-FileCopyrightText: 2026 The Stowly developers
+#
+# SPDX-License-Identifier: MIT
+
 """Runs the real Stowly on a private demo desktop (Xvfb, openbox, a tint2 tray, real apps).
 
   showcase.py STOWLY demo OUT.png        open the panel from the tray, screenshot the desktop

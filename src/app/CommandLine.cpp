@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "CommandLine.h"
 
 #include "AppModel.h"
@@ -130,15 +134,9 @@ int actOnOne(const CommandRequest& request, AppModel& model)
     }
     const RunningAppInfo& app = match.apps.front();
     switch (request.kind) {
-    case CommandRequest::Kind::open:
-        model.openApp(app);
-        break;
-    case CommandRequest::Kind::close:
-        model.terminateApp(app);
-        break;
-    default:
-        model.forceTerminateApp(app);
-        break;
+    case CommandRequest::Kind::open: model.openApp(app); break;
+    case CommandRequest::Kind::close: model.terminateApp(app); break;
+    default: model.forceTerminateApp(app); break;
     }
     return finish(model);
 }
@@ -214,27 +212,26 @@ ParseResult parseCommandLine(const QStringList& arguments)
 
 QString usageText()
 {
-    return QStringLiteral(
-        "Usage: stowly [COMMAND] [OPTIONS]\n"
-        "\n"
-        "Without a command, Stowly puts its icon in the system tray (or opens the panel of\n"
-        "the copy that already runs).\n"
-        "\n"
-        "Commands:\n"
-        "  minimize-all              minimize the windows of every other app\n"
-        "  hide-all                  hide every other app\n"
-        "  close-all                 ask every other app's windows to close\n"
-        "  force-quit-all --yes      force quit every other app\n"
-        "  list [--json]             list the open apps\n"
-        "  open NAME-OR-PID          bring one app forward\n"
-        "  close NAME-OR-PID         ask one app to quit\n"
-        "  force-quit NAME-OR-PID    force quit one app\n"
-        "\n"
-        "Options:\n"
-        "  -h, --help                show this help\n"
-        "  -v, --version             show the version\n"
-        "\n"
-        "Exit status: 0 done, 1 nothing to do or no access, 2 bad usage.\n");
+    return QStringLiteral("Usage: stowly [COMMAND] [OPTIONS]\n"
+                          "\n"
+                          "Without a command, Stowly puts its icon in the system tray (or opens the panel of\n"
+                          "the copy that already runs).\n"
+                          "\n"
+                          "Commands:\n"
+                          "  minimize-all              minimize the windows of every other app\n"
+                          "  hide-all                  hide every other app\n"
+                          "  close-all                 ask every other app's windows to close\n"
+                          "  force-quit-all --yes      force quit every other app\n"
+                          "  list [--json]             list the open apps\n"
+                          "  open NAME-OR-PID          bring one app forward\n"
+                          "  close NAME-OR-PID         ask one app to quit\n"
+                          "  force-quit NAME-OR-PID    force quit one app\n"
+                          "\n"
+                          "Options:\n"
+                          "  -h, --help                show this help\n"
+                          "  -v, --version             show the version\n"
+                          "\n"
+                          "Exit status: 0 done, 1 nothing to do or no access, 2 bad usage.\n");
 }
 
 QString versionText()
@@ -245,34 +242,17 @@ QString versionText()
 int runCommand(const CommandRequest& request, AppModel& model)
 {
     switch (request.kind) {
-    case CommandRequest::Kind::minimizeAll:
-        model.minimizeAllWindows();
-        return finish(model);
-    case CommandRequest::Kind::hideAll:
-        model.hideAllApps();
-        return finish(model);
-    case CommandRequest::Kind::closeAll:
-        model.closeAllWindows();
-        return finish(model);
-    case CommandRequest::Kind::forceQuitAll:
-        model.forceQuitAllApps();
-        return finish(model);
-    case CommandRequest::Kind::list:
-        model.refreshRunningApps();
-        return listApps(model, request.json);
+    case CommandRequest::Kind::minimizeAll: model.minimizeAllWindows(); return finish(model);
+    case CommandRequest::Kind::hideAll: model.hideAllApps(); return finish(model);
+    case CommandRequest::Kind::closeAll: model.closeAllWindows(); return finish(model);
+    case CommandRequest::Kind::forceQuitAll: model.forceQuitAllApps(); return finish(model);
+    case CommandRequest::Kind::list: model.refreshRunningApps(); return listApps(model, request.json);
     case CommandRequest::Kind::open:
     case CommandRequest::Kind::close:
-    case CommandRequest::Kind::forceQuit:
-        model.refreshRunningApps();
-        return actOnOne(request, model);
-    case CommandRequest::Kind::help:
-        printTo(stdout, usageText());
-        return exitSuccess;
-    case CommandRequest::Kind::version:
-        printTo(stdout, versionText());
-        return exitSuccess;
-    case CommandRequest::Kind::runTray:
-        break;
+    case CommandRequest::Kind::forceQuit: model.refreshRunningApps(); return actOnOne(request, model);
+    case CommandRequest::Kind::help: printTo(stdout, usageText()); return exitSuccess;
+    case CommandRequest::Kind::version: printTo(stdout, versionText()); return exitSuccess;
+    case CommandRequest::Kind::runTray: break;
     }
     return exitBadUsage;
 }

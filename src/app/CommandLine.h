@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include <QString>
@@ -12,17 +16,29 @@ class AppModel;
 // What the arguments ask for. Parsing needs no display, so --help, --version and bad usage
 // answer anywhere.
 struct CommandRequest {
-    enum class Kind { runTray, help, version, minimizeAll, hideAll, closeAll, forceQuitAll, list, open, close, forceQuit };
+    enum class Kind {
+        runTray,
+        help,
+        version,
+        minimizeAll,
+        hideAll,
+        closeAll,
+        forceQuitAll,
+        list,
+        open,
+        close,
+        forceQuit
+    };
     Kind kind = Kind::runTray;
-    bool json = false;       // list
-    QString target;          // open, close, force-quit: a name or a process id
+    bool json = false; // list
+    QString target;    // open, close, force-quit: a name or a process id
 };
 
 // Exit statuses shared by every command.
 enum ExitStatus { exitSuccess = 0, exitNothingDone = 1, exitBadUsage = 2 };
 
 struct ParseResult {
-    std::optional<CommandRequest> request;   // absent: bad usage, see error
+    std::optional<CommandRequest> request; // absent: bad usage, see error
     QString error;
 };
 

@@ -1,9 +1,13 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "LinuxSession.h"
 
 #include "KWinPlatform.h"
-#include "X11Platform.h"
 #include "PlasmaWindowManagement.h"
 #include "WaylandConnection.h"
+#include "X11Platform.h"
 #include "XConnection.h"
 
 #include <QByteArray>
@@ -43,7 +47,8 @@ LinuxSession::LinuxSession()
         if (kwin->windows().isAdvertised() || (kwin->windows().connection().isConnected() && isPlasmaSession())) {
             m_kwin = std::move(kwin);
             m_windowSystem = WindowSystem::kwin;
-            std::fprintf(stderr, "stowly: Wayland session on KWin: windows through org_kde_plasma_window_management%s\n",
+            std::fprintf(stderr,
+                         "stowly: Wayland session on KWin: windows through org_kde_plasma_window_management%s\n",
                          m_kwin->windows().isGranted() ? "" : " (not granted to this program yet)");
             return;
         }

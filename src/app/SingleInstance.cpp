@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "SingleInstance.h"
 
 #include "FreedesktopApplication.h"
@@ -38,8 +42,8 @@ QString sessionTag()
 bool ownerIsGone(const QDBusMessage& answer)
 {
     const QString error = answer.errorName();
-    return error == QLatin1String("org.freedesktop.DBus.Error.ServiceUnknown")
-        || error == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner");
+    return error == QLatin1String("org.freedesktop.DBus.Error.ServiceUnknown") ||
+           error == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner");
 }
 
 } // namespace
@@ -79,9 +83,8 @@ std::optional<SingleInstance::Start> SingleInstance::claimBusName(QDBusConnectio
         if (reply.value() == QDBusConnectionInterface::ServiceRegistered)
             return Start::first;
 
-        QDBusMessage call =
-            QDBusMessage::createMethodCall(name, path, QString::fromLatin1(FreedesktopApplication::kInterface),
-                                           QStringLiteral("Activate"));
+        QDBusMessage call = QDBusMessage::createMethodCall(
+            name, path, QString::fromLatin1(FreedesktopApplication::kInterface), QStringLiteral("Activate"));
         call << QVariantMap();
         // Nothing is to be started on our behalf: the name's owner, or nobody.
         call.setAutoStartService(false);

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include <QObject>
@@ -22,9 +26,9 @@ class SingleInstance : public QObject {
 
 public:
     enum class Start {
-        first,          // this process is the session's Stowly now
-        handedOver,     // the running one was asked to open its panel
-        notAnswering,   // the running one holds the bus name but does not answer
+        first,        // this process is the session's Stowly now
+        handedOver,   // the running one was asked to open its panel
+        notAnswering, // the running one holds the bus name but does not answer
     };
 
     static constexpr auto kBusName = "app.stowly.Stowly";

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // Stowly: a tray utility that clears the desktop of other apps' windows.
 #include "AppModel.h"
 #include "CommandLine.h"
@@ -93,9 +97,8 @@ int runTray(int argc, char* argv[])
     stowly::Platform& backend = services.platform();
     // Every preference write goes through one store that tells the views.
     stowly::NotifyingPreferenceStore preferences(backend.preferences);
-    stowly::Platform platform{backend.workspace, backend.accessibility, backend.trust, backend.processTable,
-                              backend.loginItems,  backend.urlOpener,     preferences,
-                              backend.accessSettings};
+    stowly::Platform platform{backend.workspace,  backend.accessibility, backend.trust, backend.processTable,
+                              backend.loginItems, backend.urlOpener,     preferences,   backend.accessSettings};
 
     stowly::AppModel model(platform);
     stowly::StowlyViews views(model, preferences);
@@ -122,15 +125,13 @@ int main(int argc, char* argv[])
         return stowly::exitBadUsage;
     }
     switch (parsed.request->kind) {
-    case stowly::CommandRequest::Kind::runTray:
-        return runTray(argc, argv);
+    case stowly::CommandRequest::Kind::runTray: return runTray(argc, argv);
     case stowly::CommandRequest::Kind::help:
         std::fputs(qPrintable(stowly::usageText()), stdout);
         return stowly::exitSuccess;
     case stowly::CommandRequest::Kind::version:
         std::fputs(qPrintable(stowly::versionText()), stdout);
         return stowly::exitSuccess;
-    default:
-        return runOnce(argc, argv, *parsed.request);
+    default: return runOnce(argc, argv, *parsed.request);
     }
 }

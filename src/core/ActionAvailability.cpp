@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "ActionAvailability.h"
 
 namespace stowly {
@@ -6,11 +10,9 @@ bool isActionDisabled(DefaultAction action, bool hasAccessibilityPermission, boo
 {
     switch (action.value()) {
     case DefaultAction::minimize:
-    case DefaultAction::closeWindows:
-        return !hasAccessibilityPermission;
+    case DefaultAction::closeWindows: return !hasAccessibilityPermission;
     case DefaultAction::hide:
-    case DefaultAction::forceQuit:
-        return !hasRunningApps;
+    case DefaultAction::forceQuit: return !hasRunningApps;
     }
     return true;
 }

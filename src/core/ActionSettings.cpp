@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "ActionSettings.h"
 
 #include "AppPreferences.h"
@@ -12,9 +16,8 @@ namespace {
 std::vector<DefaultAction> sortedByRawValue(const ActionSet& actions)
 {
     std::vector<DefaultAction> sorted(actions.begin(), actions.end());
-    std::sort(sorted.begin(), sorted.end(), [](DefaultAction a, DefaultAction b) {
-        return a.rawValue().toLatin1() < b.rawValue().toLatin1();
-    });
+    std::sort(sorted.begin(), sorted.end(),
+              [](DefaultAction a, DefaultAction b) { return a.rawValue().toLatin1() < b.rawValue().toLatin1(); });
     return sorted;
 }
 
@@ -48,7 +51,7 @@ void toggleAction(PreferenceStore& store, DefaultAction action, bool isSelected)
     ActionSet actions = enabledActions(store);
     if (isSelected) {
         if (actions.size() <= 1)
-            return;   // the last enabled action stays on, silently
+            return; // the last enabled action stays on, silently
         actions.erase(action);
     } else {
         actions.insert(action);

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "AppModel.h"
 
 #include "AccessibilityPermissionChecker.h"
@@ -18,8 +22,8 @@ const QString kGrantedMessage = QStringLiteral("Accessibility access granted.");
 // "Minimized 1 window.", "Minimized 12 windows.": plain decimal, an "s" for every count but 1.
 QString countMessage(const char* prefix, std::int64_t count, const char* noun)
 {
-    return QString::fromLatin1(prefix) + QString::number(count) + QString::fromLatin1(noun)
-        + (count == 1 ? QString() : QStringLiteral("s")) + QLatin1Char('.');
+    return QString::fromLatin1(prefix) + QString::number(count) + QString::fromLatin1(noun) +
+           (count == 1 ? QString() : QStringLiteral("s")) + QLatin1Char('.');
 }
 
 QString nameMessage(const char* prefix, const RunningAppInfo& app)
@@ -31,7 +35,7 @@ QString nameMessage(const char* prefix, const RunningAppInfo& app)
 
 // How one bulk command reports itself.
 struct BulkCommandTexts {
-    const char* untrusted;   // null: the command does not check trust
+    const char* untrusted; // null: the command does not check trust
     const char* none;
     const char* prefix;
     const char* noun;
@@ -40,19 +44,18 @@ struct BulkCommandTexts {
 namespace {
 
 constexpr BulkCommandTexts kMinimizeTexts{"Accessibility access is required before minimizing other apps' windows.",
-                                   "No minimizable windows were found.", "Minimized ", " window"};
+                                          "No minimizable windows were found.", "Minimized ", " window"};
 constexpr BulkCommandTexts kCloseTexts{"Accessibility access is required before closing other apps' windows.",
-                                "No closable windows were found.", "Closed ", " window"};
+                                       "No closable windows were found.", "Closed ", " window"};
 constexpr BulkCommandTexts kHideTexts{nullptr, "No apps could be hidden.", "Hid ", " app"};
 constexpr BulkCommandTexts kForceQuitTexts{nullptr, "No apps could be force quit.", "Force quit sent to ", " app"};
 
 } // namespace
 
 AppModel::AppModel(Platform& platform, QObject* parent)
-    : QObject(parent)
-    , m_platform(platform)
-    , m_minimizer(platform.workspace, platform.accessibility, platform.processTable)
-    , m_lastResultMessage(kInitialMessage)
+    : QObject(parent), m_platform(platform),
+      m_minimizer(platform.workspace, platform.accessibility, platform.processTable),
+      m_lastResultMessage(kInitialMessage)
 {
     refreshPermissionStatus();
     refreshRunningApps();
@@ -201,18 +204,10 @@ void AppModel::performDefaultAction()
 {
     // The enabled set is not consulted: a disabled default still runs.
     switch (preferredDefaultAction().value()) {
-    case DefaultAction::minimize:
-        minimizeAllWindows();
-        break;
-    case DefaultAction::hide:
-        hideAllApps();
-        break;
-    case DefaultAction::closeWindows:
-        closeAllWindows();
-        break;
-    case DefaultAction::forceQuit:
-        forceQuitAllApps();
-        break;
+    case DefaultAction::minimize: minimizeAllWindows(); break;
+    case DefaultAction::hide: hideAllApps(); break;
+    case DefaultAction::closeWindows: closeAllWindows(); break;
+    case DefaultAction::forceQuit: forceQuitAllApps(); break;
     }
 }
 

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include "DefaultAction.h"
@@ -24,8 +28,7 @@ struct BulkCommandTexts;
 // Main thread only.
 class AppModel : public QObject {
     Q_OBJECT
-    Q_PROPERTY(bool hasAccessibilityPermission READ hasAccessibilityPermission
-                   NOTIFY hasAccessibilityPermissionChanged)
+    Q_PROPERTY(bool hasAccessibilityPermission READ hasAccessibilityPermission NOTIFY hasAccessibilityPermissionChanged)
     Q_PROPERTY(QString lastResultMessage READ lastResultMessage NOTIFY lastResultMessageChanged)
     Q_PROPERTY(bool launchesAtLogin READ launchesAtLogin NOTIFY launchesAtLoginChanged)
 
@@ -100,7 +103,7 @@ private:
     bool m_launchesAtLogin = false;
     bool m_lastCommandSucceeded = false;
 
-    friend class AppModelTimerProbe;   // lets tests fire a tick without waiting a second
+    friend class AppModelTimerProbe; // lets tests fire a tick without waiting a second
 };
 
 } // namespace stowly

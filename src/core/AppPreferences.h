@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include "DefaultAction.h"
@@ -13,8 +17,8 @@ class PreferenceStore;
 // The two preference keys and the enabled-actions text format.
 namespace AppPreferences {
 
-QString defaultActionKey();    // "defaultAction"
-QString enabledActionsKey();   // "enabledActions"
+QString defaultActionKey();  // "defaultAction"
+QString enabledActionsKey(); // "enabledActions"
 
 // What a reader uses while "enabledActions" is absent: allCases raw values joined by ",".
 QString defaultEnabledActions();
@@ -27,8 +31,8 @@ QString serializeEnabledActions(const ActionSet& actions);
 std::vector<DefaultAction> enabledActionsSorted(const ActionSet& actions);
 
 // Stored texts, with the readers' defaults applied for absent keys.
-QString storedDefaultAction(const PreferenceStore& store);    // absent: ""
-QString storedEnabledActions(const PreferenceStore& store);   // absent: defaultEnabledActions()
+QString storedDefaultAction(const PreferenceStore& store);  // absent: ""
+QString storedEnabledActions(const PreferenceStore& store); // absent: defaultEnabledActions()
 void storeDefaultAction(PreferenceStore& store, const QString& rawValue);
 void storeEnabledActions(PreferenceStore& store, const ActionSet& actions);
 

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "ByteCountFormatter.h"
 
 #include <QLocale>
@@ -12,11 +16,16 @@ namespace {
 
 struct Unit {
     const char* name;
-    int fractionDigits;   // the adaptive style: KB 0, MB 1, GB and above 2
+    int fractionDigits; // the adaptive style: KB 0, MB 1, GB and above 2
 };
 
 constexpr std::array<Unit, 6> kUnits{{
-    {"KB", 0}, {"MB", 1}, {"GB", 2}, {"TB", 2}, {"PB", 2}, {"EB", 2},
+    {"KB", 0},
+    {"MB", 1},
+    {"GB", 2},
+    {"TB", 2},
+    {"PB", 2},
+    {"EB", 2},
 }};
 
 QString groupedNumber(double value, int fractionDigits)
@@ -60,8 +69,8 @@ QString formatMemoryByteCount(std::int64_t byteCount)
         value /= 1024.0;
         ++unit;
     }
-    return sign + groupedNumber(value, kUnits[unit].fractionDigits) + QLatin1Char(' ')
-        + QLatin1String(kUnits[unit].name);
+    return sign + groupedNumber(value, kUnits[unit].fractionDigits) + QLatin1Char(' ') +
+           QLatin1String(kUnits[unit].name);
 }
 
 } // namespace stowly

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "DefaultAction.h"
 
 namespace stowly {
@@ -15,12 +19,12 @@ struct ActionTexts {
 
 // Indexed by DefaultAction::Case, in catalogue order.
 constexpr ActionTexts kTexts[] = {
-    {"minimize", "Minimize All Windows", "Minimizes standard windows without closing apps.",
-     "macwindow.badge.minus", "Minimize", "Clear the desktop while keeping apps running."},
-    {"hide", "Hide All Apps", "Hides open apps without touching their windows.",
-     "eye.slash", "Hide", "Hide every app without changing window state."},
-    {"closeWindows", "Close All Windows", "Attempts to close standard windows in each app.",
-     "xmark.square", "Close Windows", "Ask apps to close visible windows when possible."},
+    {"minimize", "Minimize All Windows", "Minimizes standard windows without closing apps.", "macwindow.badge.minus",
+     "Minimize", "Clear the desktop while keeping apps running."},
+    {"hide", "Hide All Apps", "Hides open apps without touching their windows.", "eye.slash", "Hide",
+     "Hide every app without changing window state."},
+    {"closeWindows", "Close All Windows", "Attempts to close standard windows in each app.", "xmark.square",
+     "Close Windows", "Ask apps to close visible windows when possible."},
     {"forceQuit", "Force Quit All Apps", "Immediately quits running apps and can cause unsaved work to be lost.",
      "bolt.fill", "Force Quit", "Immediately terminate running apps. Use with care."},
 };

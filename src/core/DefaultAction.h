@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include <QString>
@@ -26,7 +30,7 @@ public:
     QString id() const { return rawValue(); }
     QString title() const;
     QString summary() const;
-    QString systemImage() const;   // symbol name the views map to an icon
+    QString systemImage() const; // symbol name the views map to an icon
     // The settings window's own labels.
     QString shortTitle() const;
     QString cardSummary() const;

@@ -1,12 +1,12 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "MinimizeError.h"
 
 namespace stowly {
 
-MinimizeError::MinimizeError(AXError code)
-    : m_code(code)
-    , m_what(errorDescription().toStdString())
-{
-}
+MinimizeError::MinimizeError(AXError code) : m_code(code), m_what(errorDescription().toStdString()) {}
 
 QString MinimizeError::errorDescription() const
 {

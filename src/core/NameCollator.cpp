@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "NameCollator.h"
 
 #include <algorithm>
@@ -20,16 +24,13 @@ bool collates(const QCollator& collator)
     const auto before = [&](const char16_t* a, const char16_t* b) {
         return collator.compare(QString::fromUtf16(a), QString::fromUtf16(b)) < 0;
     };
-    return before(u"alpha", u"Zeta") && before(u"Beta", u"gamma") && before(u"\u00e9t\u00e9", u"zoo")
-        && collator.compare(QStringLiteral("Mail"), QStringLiteral("mail")) == 0;
+    return before(u"alpha", u"Zeta") && before(u"Beta", u"gamma") && before(u"\u00e9t\u00e9", u"zoo") &&
+           collator.compare(QStringLiteral("Mail"), QStringLiteral("mail")) == 0;
 }
 
 } // namespace
 
-NameCollator::NameCollator()
-    : NameCollator(QLocale())
-{
-}
+NameCollator::NameCollator() : NameCollator(QLocale()) {}
 
 NameCollator::NameCollator(const QLocale& locale)
 {

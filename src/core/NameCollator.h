@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include <QCollator>
@@ -15,7 +19,7 @@ namespace stowly {
 // English; where Qt has no working collation at all, by case-folded code points.
 class NameCollator {
 public:
-    NameCollator();   // the user's locale (QLocale())
+    NameCollator(); // the user's locale (QLocale())
     explicit NameCollator(const QLocale& locale);
 
     // Negative, zero or positive, as a comes before, ties with or comes after b.

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "WindowMinimizer.h"
 
 #include "NameCollator.h"
@@ -37,9 +41,7 @@ QList<uint> unicodeOrderKey(const QString& text)
 } // namespace
 
 WindowMinimizer::WindowMinimizer(Workspace& workspace, Accessibility& accessibility, ProcessTable& processTable)
-    : m_workspace(workspace)
-    , m_accessibility(accessibility)
-    , m_processTable(processTable)
+    : m_workspace(workspace), m_accessibility(accessibility), m_processTable(processTable)
 {
 }
 
@@ -207,7 +209,7 @@ std::vector<RunningAppInfo> WindowMinimizer::runningApps()
         });
     }
 
-    const NameCollator collator;   // the user's locale, as a localized comparison would use
+    const NameCollator collator; // the user's locale, as a localized comparison would use
     std::stable_sort(infos.begin(), infos.end(), [&collator](const RunningAppInfo& a, const RunningAppInfo& b) {
         const std::uint64_t ma = a.memoryBytes.value_or(0);
         const std::uint64_t mb = b.memoryBytes.value_or(0);
@@ -235,7 +237,7 @@ std::int64_t WindowMinimizer::hideAllApps()
             visible.push_back(std::move(app));
     }
     for (const auto& app : visible)
-        app->hide();   // the count is of apps asked, not of apps that agreed
+        app->hide(); // the count is of apps asked, not of apps that agreed
     return static_cast<std::int64_t>(visible.size());
 }
 
@@ -243,7 +245,7 @@ std::int64_t WindowMinimizer::forceTerminateAllApps()
 {
     const auto apps = managedApps();
     for (const auto& app : apps)
-        app->forceTerminate();   // a refusal does not stop the others
+        app->forceTerminate(); // a refusal does not stop the others
     return static_cast<std::int64_t>(apps.size());
 }
 
@@ -274,7 +276,7 @@ std::vector<std::int32_t> WindowMinimizer::allPIDs()
     if (capacity == 0)
         return {};
     if (capacity > std::numeric_limits<std::int32_t>::max() / static_cast<int>(sizeof(std::int32_t)))
-        std::abort();   // a byte size beyond 32 bits is a programming error
+        std::abort(); // a byte size beyond 32 bits is a programming error
 
     std::vector<std::int32_t> buffer(static_cast<std::size_t>(capacity));
     const int answer = m_processTable.listAllPids(buffer.data(), capacity * static_cast<int>(sizeof(std::int32_t)));
@@ -329,7 +331,7 @@ std::vector<ProcessMemoryRecord> WindowMinimizer::groupedProcessMemory()
             continue;
         const auto memory = memoryUsage(pid);
         if (!memory)
-            continue;   // also a process that vanished since the listing
+            continue; // also a process that vanished since the listing
         const auto name = processName(pid);
         if (!name)
             continue;
@@ -350,8 +352,8 @@ std::vector<ProcessMemoryRecord> WindowMinimizer::groupedProcessMemory()
     return records;
 }
 
-std::vector<std::optional<QString>> WindowMinimizer::lowerBundleIdentifiers(
-    const std::vector<ProcessMemoryRecord>& processMemory)
+std::vector<std::optional<QString>>
+WindowMinimizer::lowerBundleIdentifiers(const std::vector<ProcessMemoryRecord>& processMemory)
 {
     std::vector<std::optional<QString>> lower;
     lower.reserve(processMemory.size());

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include "MinimizeError.h"
@@ -29,8 +33,8 @@ public:
     // The open regular apps, largest memory first, ties by name (case-insensitive).
     std::vector<RunningAppInfo> runningApps();
 
-    std::int64_t hideAllApps();            // number asked to hide
-    std::int64_t forceTerminateAllApps();  // number sent a forced termination
+    std::int64_t hideAllApps();           // number asked to hide
+    std::int64_t forceTerminateAllApps(); // number sent a forced termination
     bool openApp(std::int32_t pid);
     bool terminateApp(std::int32_t pid);
     bool forceTerminateApp(std::int32_t pid);
@@ -62,8 +66,8 @@ private:
     std::optional<std::uint64_t> totalMemory(const RunningApplication& app,
                                              const std::vector<ProcessMemoryRecord>& processMemory,
                                              const std::vector<std::optional<QString>>& lowerBundles);
-    static std::vector<std::optional<QString>> lowerBundleIdentifiers(
-        const std::vector<ProcessMemoryRecord>& processMemory);
+    static std::vector<std::optional<QString>>
+    lowerBundleIdentifiers(const std::vector<ProcessMemoryRecord>& processMemory);
 
     template <typename WindowOperation>
     std::int64_t countOverManagedWindows(WindowOperation operation);

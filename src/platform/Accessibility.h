@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include <cstdint>
@@ -42,9 +46,13 @@ public:
 using AXElementRef = std::shared_ptr<AXElement>;
 
 // A copied attribute value, typed as Core Foundation would type it.
-struct AXAbsent {};                       // success with no value
-struct AXNumber { double value = 0; };    // CFNumber
-struct AXOther { std::string typeName; }; // any other CF type
+struct AXAbsent {}; // success with no value
+struct AXNumber {
+    double value = 0;
+}; // CFNumber
+struct AXOther {
+    std::string typeName;
+}; // any other CF type
 using AXElementList = std::vector<AXElementRef>;
 using AXValue = std::variant<AXAbsent, std::string, bool, AXNumber, AXElementRef, AXElementList, AXOther>;
 
@@ -55,8 +63,7 @@ public:
 
     virtual AXElementRef createApplication(std::int32_t processIdentifier) = 0;
     // On success `value` holds what the platform gave (AXAbsent for no value).
-    virtual AXError copyAttributeValue(const AXElementRef& element, const std::string& attribute,
-                                       AXValue& value) = 0;
+    virtual AXError copyAttributeValue(const AXElementRef& element, const std::string& attribute, AXValue& value) = 0;
     virtual AXError setAttributeValue(const AXElementRef& element, const std::string& attribute,
                                       const AXValue& value) = 0;
     virtual AXError performAction(const AXElementRef& element, const std::string& action) = 0;

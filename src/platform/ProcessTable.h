@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include <cstdint>
@@ -5,13 +9,13 @@
 namespace stowly {
 
 // The two counters the logic reads from the platform's usage records.
-struct RusageInfo {              // rusage_info_v4 (RUSAGE_INFO_V4)
-    std::uint64_t physFootprint = 0;   // ri_phys_footprint
+struct RusageInfo {                  // rusage_info_v4 (RUSAGE_INFO_V4)
+    std::uint64_t physFootprint = 0; // ri_phys_footprint
 };
-struct TaskInfo {                // proc_taskinfo (PROC_PIDTASKINFO)
-    std::uint64_t residentSize = 0;    // pti_resident_size
+struct TaskInfo {                   // proc_taskinfo (PROC_PIDTASKINFO)
+    std::uint64_t residentSize = 0; // pti_resident_size
 };
-inline constexpr int kTaskInfoSize = 96;   // sizeof(struct proc_taskinfo)
+inline constexpr int kTaskInfoSize = 96; // sizeof(struct proc_taskinfo)
 
 // The process information library (libproc), with its own return conventions.
 class ProcessTable {

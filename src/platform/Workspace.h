@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include "AppIcon.h"
@@ -33,9 +37,9 @@ public:
     virtual std::int32_t processIdentifier() const = 0;
     virtual bool isTerminated() const = 0;
     virtual ActivationPolicy activationPolicy() const = 0;
-    virtual std::optional<std::string> localizedName() const = 0;   // UTF-8
+    virtual std::optional<std::string> localizedName() const = 0; // UTF-8
     virtual std::optional<std::string> bundleIdentifier() const = 0;
-    virtual AppIconRef icon() const = 0;                             // null when none
+    virtual AppIconRef icon() const = 0; // null when none
     virtual bool isHidden() const = 0;
     virtual bool isActive() const = 0;
 
@@ -43,7 +47,7 @@ public:
     virtual bool hide() = 0;
     virtual bool terminate() = 0;
     virtual bool forceTerminate() = 0;
-    virtual bool activate(unsigned options) = 0;   // ActivationOption bits
+    virtual bool activate(unsigned options) = 0; // ActivationOption bits
 };
 
 using RunningApplicationRef = std::shared_ptr<RunningApplication>;

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "ActionTileAccessible.h"
 
 #include <QQuickItem>
@@ -35,10 +39,7 @@ bool isExposed(const QQuickItem* item)
 
 } // namespace
 
-ActionTileAccessible::ActionTileAccessible(QQuickItem* tile)
-    : QAccessibleObject(tile)
-{
-}
+ActionTileAccessible::ActionTileAccessible(QQuickItem* tile) : QAccessibleObject(tile) {}
 
 void ActionTileAccessible::install()
 {
@@ -124,7 +125,7 @@ void ActionTileAccessible::doAction(const QString& actionName)
     if (isDisabled())
         return;
     if (actionName == pressAction())
-        QMetaObject::invokeMethod(tile(), "clicked");   // as a click: the tile's own guard applies
+        QMetaObject::invokeMethod(tile(), "clicked"); // as a click: the tile's own guard applies
     else if (actionName == setFocusAction())
         tile()->forceActiveFocus(Qt::OtherFocusReason);
 }

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "AppIconCache.h"
 
 #include <QMutexLocker>
@@ -63,8 +67,7 @@ QImage AppIconCache::image(const QString& id) const
 QImage AppIconCache::toImage(const AppIcon& icon)
 {
     // Pixels arrive as 0xAARRGGBB words, not premultiplied: QImage's ARGB32 exactly.
-    if (icon.width <= 0 || icon.height <= 0
-        || icon.argb.size() < std::size_t(icon.width) * std::size_t(icon.height))
+    if (icon.width <= 0 || icon.height <= 0 || icon.argb.size() < std::size_t(icon.width) * std::size_t(icon.height))
         return {};
     QImage image(icon.width, icon.height, QImage::Format_ARGB32);
     for (int y = 0; y < icon.height; ++y) {

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include "platform/AppIcon.h"
@@ -17,7 +21,8 @@ namespace stowly {
 // updates it on the main thread; the image provider may read it from Qt Quick's loader.
 class AppIconCache {
 public:
-    // Keeps exactly these pids (so the cache never outgrows the list); converts an icon only when its pixels object changed.
+    // Keeps exactly these pids (so the cache never outgrows the list); converts an icon only when its pixels object
+    // changed.
     void update(const std::vector<std::pair<std::int32_t, AppIconRef>>& icons);
     // "image://appicon/<pid>-<generation>", or empty when the app has no icon. The
     // generation changes with the icon, so Qt's image cache never serves a stale one.

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "AppIconImageProvider.h"
 
 #include <QPainter>
@@ -6,8 +10,7 @@
 namespace stowly {
 
 AppIconImageProvider::AppIconImageProvider(AppIconCacheRef cache)
-    : QQuickImageProvider(QQuickImageProvider::Image)
-    , m_cache(std::move(cache))
+    : QQuickImageProvider(QQuickImageProvider::Image), m_cache(std::move(cache))
 {
 }
 

@@ -1,6 +1,10 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "HeapRelease.h"
 
-#include <cstdlib>   // defines __GLIBC__ on glibc systems
+#include <cstdlib> // defines __GLIBC__ on glibc systems
 
 #if defined(__GLIBC__)
 #include <malloc.h>

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "NotifyingPreferenceStore.h"
 
 #include "AppPreferences.h"
@@ -5,8 +9,7 @@
 namespace stowly {
 
 NotifyingPreferenceStore::NotifyingPreferenceStore(PreferenceStore& backing, QObject* parent)
-    : QObject(parent)
-    , m_backing(backing)
+    : QObject(parent), m_backing(backing)
 {
 }
 

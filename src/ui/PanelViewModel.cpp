@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "PanelViewModel.h"
 
 #include "ActionAvailability.h"
@@ -11,9 +15,7 @@
 namespace stowly {
 
 PanelViewModel::PanelViewModel(AppModel& model, NotifyingPreferenceStore& preferences, QObject* parent)
-    : QObject(parent)
-    , m_model(model)
-    , m_preferences(preferences)
+    : QObject(parent), m_model(model), m_preferences(preferences)
 {
     connect(&m_preferences, &NotifyingPreferenceStore::enabledActionsChanged, this, [this] {
         if (!m_active)

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "PanelWindow.h"
 
 #include "TaskbarHints.h"
@@ -18,9 +22,7 @@ constexpr qint64 kFocusLossClickWindowMs = 300;
 constexpr int kGapToIcon = 4;
 } // namespace
 
-PanelWindow::PanelWindow(ViewFactory makeView, QObject* parent)
-    : QObject(parent)
-    , m_makeView(std::move(makeView))
+PanelWindow::PanelWindow(ViewFactory makeView, QObject* parent) : QObject(parent), m_makeView(std::move(makeView))
 {
     m_releaseTimer.setSingleShot(true);
     m_releaseTimer.setInterval(kDefaultReleaseDelay);

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "RunningAppsListModel.h"
 
 #include "AppModel.h"
@@ -9,9 +13,7 @@
 namespace stowly {
 
 RunningAppsListModel::RunningAppsListModel(AppModel& model, AppIconCacheRef icons, QObject* parent)
-    : QAbstractListModel(parent)
-    , m_model(model)
-    , m_icons(std::move(icons))
+    : QAbstractListModel(parent), m_model(model), m_icons(std::move(icons))
 {
     connect(&m_model, &AppModel::runningAppsChanged, this, [this] {
         if (m_active)
@@ -126,8 +128,8 @@ void RunningAppsListModel::synchronize()
     // Rows whose app left the list go first.
     for (int row = count() - 1; row >= 0; --row) {
         const std::int32_t pid = m_apps[std::size_t(row)].id;
-        const bool kept = std::any_of(target.begin(), target.end(),
-                                      [pid](const RunningAppInfo& app) { return app.id == pid; });
+        const bool kept =
+            std::any_of(target.begin(), target.end(), [pid](const RunningAppInfo& app) { return app.id == pid; });
         if (!kept) {
             beginRemoveRows({}, row, row);
             m_apps.erase(m_apps.begin() + row);

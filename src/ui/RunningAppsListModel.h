@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include "AppIconCache.h"
@@ -27,10 +31,10 @@ public:
         NameRole,
         StatusRole,
         FormattedRamRole,
-        StatusLineRole,     // "<status> • RAM: <formattedRAM>"
+        StatusLineRole, // "<status> • RAM: <formattedRAM>"
         StatusColorRole,
-        IconUrlRole,        // empty when the app has no icon
-        MenuNameRole,       // accessible name of the row's menu button
+        IconUrlRole,  // empty when the app has no icon
+        MenuNameRole, // accessible name of the row's menu button
     };
 
     RunningAppsListModel(AppModel& model, AppIconCacheRef icons, QObject* parent = nullptr);

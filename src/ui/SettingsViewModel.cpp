@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "SettingsViewModel.h"
 
 #include "ActionSettings.h"
@@ -8,9 +12,7 @@
 namespace stowly {
 
 SettingsViewModel::SettingsViewModel(AppModel& model, NotifyingPreferenceStore& preferences, QObject* parent)
-    : QObject(parent)
-    , m_model(model)
-    , m_preferences(preferences)
+    : QObject(parent), m_model(model), m_preferences(preferences)
 {
     connect(&m_preferences, &NotifyingPreferenceStore::enabledActionsChanged, this, [this] {
         emit selectionChanged();
@@ -63,7 +65,7 @@ int SettingsViewModel::pickerIndex() const
         if (items[index] == selection)
             return int(index);
     }
-    return -1;   // nothing enabled: the picker shows no item
+    return -1; // nothing enabled: the picker shows no item
 }
 
 QString SettingsViewModel::summaryTitle() const

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "StowlyViews.h"
 
 #include "ActionTileAccessible.h"
@@ -33,8 +37,7 @@ QColor windowBackground(QQmlEngine& engine)
 
 } // namespace
 
-StowlyViews::StowlyViews(AppModel& model, NotifyingPreferenceStore& preferences, QObject* parent)
-    : QObject(parent)
+StowlyViews::StowlyViews(AppModel& model, NotifyingPreferenceStore& preferences, QObject* parent) : QObject(parent)
 {
     // One style everywhere, so that the views look the same on every desktop; it must be
     // chosen before the first Controls type loads.
@@ -90,7 +93,7 @@ QQuickView* StowlyViews::createPanelView(QWindow* parent)
     auto* view = new QQuickView(&engine(), parent);
     view->setResizeMode(QQuickView::SizeViewToRootObject);
     view->setColor(windowBackground(engine()));
-    view->setTitle(ViewTexts::productName);   // what assistive technology calls the panel
+    view->setTitle(ViewTexts::productName); // what assistive technology calls the panel
     view->setInitialProperties({{QStringLiteral("panel"), QVariant::fromValue(m_panel)},
                                 {QStringLiteral("openApps"), QVariant::fromValue(m_openApps)}});
     view->setSource(panelUrl());
@@ -99,8 +102,9 @@ QQuickView* StowlyViews::createPanelView(QWindow* parent)
 
 QQuickView* StowlyViews::track(QQuickView* view)
 {
-    m_views.erase(std::remove_if(m_views.begin(), m_views.end(), [](const QPointer<QQuickView>& v) { return v.isNull(); }),
-                  m_views.end());
+    m_views.erase(
+        std::remove_if(m_views.begin(), m_views.end(), [](const QPointer<QQuickView>& v) { return v.isNull(); }),
+        m_views.end());
     m_views.emplace_back(view);
     return view;
 }
@@ -115,7 +119,8 @@ void StowlyViews::releasePanelResources()
 {
     m_openApps->release();
     if (m_engine) {
-        const bool inUse = std::any_of(m_views.begin(), m_views.end(), [](const QPointer<QQuickView>& v) { return !v.isNull(); });
+        const bool inUse =
+            std::any_of(m_views.begin(), m_views.end(), [](const QPointer<QQuickView>& v) { return !v.isNull(); });
         if (inUse) {
             m_engine->collectGarbage();
             m_engine->trimComponentCache();

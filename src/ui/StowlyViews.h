@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include "AppIconCache.h"
@@ -31,8 +35,8 @@ public:
     StowlyViews(AppModel& model, NotifyingPreferenceStore& preferences, QObject* parent = nullptr);
     ~StowlyViews() override;
 
-    static QUrl panelUrl();      // qrc:/Stowly/MenuBarContentView.qml
-    static QUrl settingsUrl();   // qrc:/Stowly/SettingsView.qml
+    static QUrl panelUrl();    // qrc:/Stowly/MenuBarContentView.qml
+    static QUrl settingsUrl(); // qrc:/Stowly/SettingsView.qml
     static QUrl viewUrl(const QString& fileName);
 
     // Made with the first view: a tray icon that was never clicked runs no script engine.
@@ -57,7 +61,7 @@ private:
     QQuickView* track(QQuickView* view);
 
     QQmlEngine* m_engine = nullptr;
-    std::vector<QPointer<QQuickView>> m_views;   // every view made on the engine
+    std::vector<QPointer<QQuickView>> m_views; // every view made on the engine
     AppIconCacheRef m_icons;
     PanelViewModel* m_panel;
     RunningAppsListModel* m_openApps;

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "SymbolImageProvider.h"
 
 #include <QPainter>
@@ -6,10 +10,7 @@
 
 namespace stowly {
 
-SymbolImageProvider::SymbolImageProvider()
-    : QQuickImageProvider(QQuickImageProvider::Image)
-{
-}
+SymbolImageProvider::SymbolImageProvider() : QQuickImageProvider(QQuickImageProvider::Image) {}
 
 QString SymbolImageProvider::resourcePath(const QString& name)
 {

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include <QQuickImageProvider>
@@ -12,7 +16,7 @@ public:
     SymbolImageProvider();
     QImage requestImage(const QString& id, QSize* size, const QSize& requestedSize) override;
 
-    static QString resourcePath(const QString& name);   // ":/Stowly/icons/<name>.svg"
+    static QString resourcePath(const QString& name); // ":/Stowly/icons/<name>.svg"
     static QImage render(const QString& name, const QSize& pixelSize, const QColor& color);
 };
 

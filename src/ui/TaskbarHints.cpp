@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "TaskbarHints.h"
 
 #include <QGuiApplication>
@@ -41,7 +45,7 @@ void skipTaskbarAndPager(QWindow& window)
 
     const xcb_atom_t state = internAtom(connection, "_NET_WM_STATE");
     const std::array<xcb_atom_t, 2> states{internAtom(connection, "_NET_WM_STATE_SKIP_TASKBAR"),
-                                          internAtom(connection, "_NET_WM_STATE_SKIP_PAGER")};
+                                           internAtom(connection, "_NET_WM_STATE_SKIP_PAGER")};
     if (state == XCB_ATOM_NONE || states[0] == XCB_ATOM_NONE || states[1] == XCB_ATOM_NONE)
         return;
     // Before mapping, the client owns _NET_WM_STATE; Qt adds its own states to it on show.

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "Theme.h"
 
 #include <QEvent>
@@ -61,9 +65,7 @@ QColor ColorScheme::statusColor(const QString& status) const
     return secondary;
 }
 
-Theme::Theme(QObject* parent)
-    : QObject(parent)
-    , m_scheme(&ColorScheme::current())
+Theme::Theme(QObject* parent) : QObject(parent), m_scheme(&ColorScheme::current())
 {
     if (qApp)
         qApp->installEventFilter(this);

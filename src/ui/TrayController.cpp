@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "TrayController.h"
 
 #include "PanelViewModel.h"
@@ -18,10 +22,8 @@
 namespace stowly {
 
 TrayController::TrayController(StowlyViews& views, QObject* parent)
-    : QObject(parent)
-    , m_views(views)
-    , m_tray(new QSystemTrayIcon(StatusIcon::icon(), this))
-    , m_panel(new PanelWindow([&views] { return views.createPanelView(); }, this))
+    : QObject(parent), m_views(views), m_tray(new QSystemTrayIcon(StatusIcon::icon(), this)),
+      m_panel(new PanelWindow([&views] { return views.createPanelView(); }, this))
 {
     // The panel starts closed: its view models rest, holding no rows or icons, until it opens.
     m_views.setPanelShown(false);
@@ -37,7 +39,8 @@ TrayController::TrayController(StowlyViews& views, QObject* parent)
     connect(&m_views.panel(), &PanelViewModel::settingsRequested, this, &TrayController::openSettings);
     connect(&m_views.panel(), &PanelViewModel::dismissRequested, m_panel, &PanelWindow::hide);
     connect(&m_views.panel(), &PanelViewModel::quitRequested, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
-    connect(&m_views.settings(), &SettingsViewModel::quitRequested, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+    connect(&m_views.settings(), &SettingsViewModel::quitRequested, qApp, &QCoreApplication::quit,
+            Qt::QueuedConnection);
 }
 
 TrayController::~TrayController()

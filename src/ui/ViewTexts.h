@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include <QString>
@@ -21,14 +25,12 @@ inline const QString forceQuitApp = QStringLiteral("Force Quit");
 inline const QString settingsWindowTitle = QStringLiteral("Stowly Settings");
 inline const QString primaryAction = QStringLiteral("Primary action");
 inline const QString appliedFromMenuBar = QStringLiteral("Applied from the menu bar");
-inline const QString actionsIntro = QStringLiteral(
-    "Choose which actions are available in the menu and pick a default. "
-    "Your selections save automatically.");
+inline const QString actionsIntro = QStringLiteral("Choose which actions are available in the menu and pick a default. "
+                                                   "Your selections save automatically.");
 inline const QString defaultActionPicker = QStringLiteral("Default action");
 inline const QString startup = QStringLiteral("Startup");
 inline const QString launchAtStartupTitle = QStringLiteral("Launch Stowly at startup");
-inline const QString launchAtStartupSubtitle =
-    QStringLiteral("Open Stowly automatically when you sign in to macOS.");
+inline const QString launchAtStartupSubtitle = QStringLiteral("Open Stowly automatically when you sign in to macOS.");
 inline const QString mainShortcutTitle = QStringLiteral("Use selected action as main shortcut");
 inline const QString mainShortcutSubtitle =
     QStringLiteral("The top menu action always follows the preference chosen above.");
@@ -42,10 +44,10 @@ inline const QString grantAccess = QStringLiteral("Grant Accessibility Access");
 inline const QString openSystemSettings = QStringLiteral("Open System Settings");
 
 // Texts assembled from pieces.
-QString openAppsHeading(std::size_t count);                                 // "Open Apps (3)"
-QString appStatusLine(const QString& status, const QString& formattedRAM);  // "Open • RAM: 1 MB"
-QString defaultActionSummaryTitle(const QString& actionTitle);              // "Default: Hide All Apps"
-QString rowMenuName(const QString& appName);                                // "Actions for Notes"
-QString openAccessSettings(const QString& settingsName);                    // "Open System Settings"
+QString openAppsHeading(std::size_t count);                                // "Open Apps (3)"
+QString appStatusLine(const QString& status, const QString& formattedRAM); // "Open • RAM: 1 MB"
+QString defaultActionSummaryTitle(const QString& actionTitle);             // "Default: Hide All Apps"
+QString rowMenuName(const QString& appName);                               // "Actions for Notes"
+QString openAccessSettings(const QString& settingsName);                   // "Open System Settings"
 
 } // namespace stowly::ViewTexts

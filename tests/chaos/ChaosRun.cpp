@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // Chaos rounds on a private desktop: apps and windows come, go, stop and change while
 // Stowly runs every bulk action and per-app command through AppModel, as the panel does.
 // After each round an outsider (its own X connection and /proc) checks that Stowly
@@ -8,15 +12,15 @@
 // Every random choice comes from the seed: a failing round prints it for a replay.
 
 #include "AppModel.h"
-#include "X11Platform.h"
 #include "Observer.h"
 #include "TestBed.h"
+#include "X11Platform.h"
 
 #include <QCoreApplication>
 
+#include <signal.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
-#include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -38,11 +42,11 @@ namespace tb = stowly::testbed;
 
 namespace {
 
-double absentCpuShare = 0;   // the highest CPU share measured while no window manager ran
+double absentCpuShare = 0; // the highest CPU share measured while no window manager ran
 
 struct ChaosApp {
     int pid = 0;
-    bool accessory = false;   // no taskbar window: never a bulk target
+    bool accessory = false; // no taskbar window: never a bulk target
     bool stopped = false;
     std::string title;
 };
@@ -111,14 +115,18 @@ public:
 
     const std::string& failure() const { return m_failure; }
     const std::string& lastScene() const { return m_lastScene; }
-    std::map<std::string, int> faults;   // what was injected, how often
+    std::map<std::string, int> faults; // what was injected, how often
     int commandsRun = 0;
     double longestCommandMs = 0;
 
 private:
     int pick(int n) { return std::uniform_int_distribution<int>(0, n - 1)(m_rng); }
     bool chance(double p) { return std::uniform_real_distribution<double>(0, 1)(m_rng) < p; }
-    void fail(const std::string& why) { if (m_failure.empty()) m_failure = why; }
+    void fail(const std::string& why)
+    {
+        if (m_failure.empty())
+            m_failure = why;
+    }
 
     void perturb();
     int spawnApp();
@@ -137,9 +145,9 @@ private:
     AppModel m_model;
     int m_wmPid = -1;
     std::map<int, ChaosApp> m_apps;
-    std::set<int> m_killedByChaos;   // this round
+    std::set<int> m_killedByChaos; // this round
     std::string m_failure;
-    std::string m_lastScene;   // the outsider's view before the last command
+    std::string m_lastScene; // the outsider's view before the last command
     // Apps asked to close while stopped: the request waits in their queue and may end
     // them rounds later, once they run again. That is the polite close taking effect.
     std::set<int> m_askedWhileStopped;
@@ -168,8 +176,14 @@ int Chaos::spawnApp()
     case 1: args.push_back("--free-dialog"); break;
     case 2: args.push_back("--dialog"); break;
     case 3: args.push_back("--no-delete"); break;
-    case 4: args.push_back("--skip-taskbar"); app.accessory = true; break;
-    case 5: args.insert(args.end(), {"--type", "utility"}); app.accessory = true; break;
+    case 4:
+        args.push_back("--skip-taskbar");
+        app.accessory = true;
+        break;
+    case 5:
+        args.insert(args.end(), {"--type", "utility"});
+        app.accessory = true;
+        break;
     case 6: args.insert(args.end(), {"--class", "chaos", "Chaos " + std::to_string(pick(3))}); break;
     default: break;
     }
@@ -190,7 +204,8 @@ ChaosApp* Chaos::randomApp(bool runningOnly)
     for (auto& [pid, app] : m_apps)
         if (!runningOnly || !app.stopped)
             candidates.push_back(&app);
-    return candidates.empty() ? nullptr : candidates[static_cast<std::size_t>(pick(static_cast<int>(candidates.size())))];
+    return candidates.empty() ? nullptr
+                              : candidates[static_cast<std::size_t>(pick(static_cast<int>(candidates.size())))];
 }
 
 bool Chaos::waitForWindows(int pid, std::chrono::milliseconds deadline)
@@ -205,9 +220,7 @@ void Chaos::perturb()
         const int choice = m_apps.size() < 4 ? 0 : m_apps.size() > 14 ? 1 + pick(5) : pick(6);
         ChaosApp* app = nullptr;
         switch (choice) {
-        case 0:
-            spawnApp();
-            break;
+        case 0: spawnApp(); break;
         case 1:
             if ((app = randomApp(false)) != nullptr) {
                 if (app->stopped)
@@ -244,11 +257,13 @@ void Chaos::perturb()
                     // The window manager carries the request out in its own time: the round
                     // starts from the state it settles on. (A stopped or dying app's window
                     // may never get there.)
-                    tb::waitUntil([&] {
-                        const Scene now = m_observer.look();
-                        const auto it = now.windows.find(id);
-                        return it == now.windows.end() || it->second.skipTaskbar == on;
-                    }, 3s);
+                    tb::waitUntil(
+                        [&] {
+                            const Scene now = m_observer.look();
+                            const auto it = now.windows.find(id);
+                            return it == now.windows.end() || it->second.skipTaskbar == on;
+                        },
+                        3s);
                     break;
                 }
             break;
@@ -269,11 +284,13 @@ void Chaos::perturb()
         }
     }
     // Accessory status is whatever the windows say now, after any type or state change.
-    tb::waitUntil([&] {
-        for (const int pid : m_killedByChaos)
-            tb::reapIfExited(pid);
-        return std::none_of(m_killedByChaos.begin(), m_killedByChaos.end(), [](int pid) { return alive(pid); });
-    }, 2s);
+    tb::waitUntil(
+        [&] {
+            for (const int pid : m_killedByChaos)
+                tb::reapIfExited(pid);
+            return std::none_of(m_killedByChaos.begin(), m_killedByChaos.end(), [](int pid) { return alive(pid); });
+        },
+        2s);
     reapAll();
 }
 
@@ -303,9 +320,11 @@ void Chaos::checkList()
     if (!same) {
         std::ostringstream why;
         why << "list differs from /proc and the client list: Stowly";
-        for (int p : listed) why << ' ' << p;
+        for (int p : listed)
+            why << ' ' << p;
         why << ", outside";
-        for (int p : expected) why << ' ' << p;
+        for (int p : expected)
+            why << ' ' << p;
         fail(why.str());
     }
 }
@@ -393,21 +412,24 @@ void Chaos::runCommand(Command command, const RunningAppInfo* target)
     std::set<int> died;
     Scene after;
     auto settle = [&](const std::function<bool()>& done) {
-        tb::waitUntil([&] {
-            for (const int pid : aliveBefore)
-                tb::reapIfExited(pid);
-            after = m_observer.look();
-            died.clear();
-            for (const int pid : aliveBefore)
-                if (!alive(pid) && m_killedByChaos.count(pid) == 0 && m_askedWhileStopped.count(pid) == 0)
-                    died.insert(pid);
-            return done();
-        }, 2s);
+        tb::waitUntil(
+            [&] {
+                for (const int pid : aliveBefore)
+                    tb::reapIfExited(pid);
+                after = m_observer.look();
+                died.clear();
+                for (const int pid : aliveBefore)
+                    if (!alive(pid) && m_killedByChaos.count(pid) == 0 && m_askedWhileStopped.count(pid) == 0)
+                        died.insert(pid);
+                return done();
+            },
+            2s);
     };
     auto iconified = [&] {
         std::set<std::uint32_t> out;
         for (const auto& [id, w] : after.windows)
-            if (const auto was = before.windows.find(id); was != before.windows.end() && !was->second.iconic && w.iconic)
+            if (const auto was = before.windows.find(id);
+                was != before.windows.end() && !was->second.iconic && w.iconic)
                 out.insert(id);
         return out;
     };
@@ -479,7 +501,7 @@ void Chaos::runCommand(Command command, const RunningAppInfo* target)
             const auto gone = closed();
             return std::all_of(closeTargets.begin(), closeTargets.end(), [&](std::uint32_t id) {
                 const auto w = before.windows.find(id);
-                return gone.count(id) != 0 || stoppedBefore[w->second.pid];   // a stopped app cannot answer
+                return gone.count(id) != 0 || stoppedBefore[w->second.pid]; // a stopped app cannot answer
             });
         });
         for (const int pid : died) {
@@ -487,7 +509,8 @@ void Chaos::runCommand(Command command, const RunningAppInfo* target)
             const bool hadTarget = std::any_of(windows.begin(), windows.end(),
                                                [&](const SeenWindow* w) { return closeTargets.count(w->id) != 0; });
             if (!hadTarget)
-                fail(describe("process " + std::to_string(pid) + " ended though none of its windows was asked to close"));
+                fail(describe("process " + std::to_string(pid) +
+                              " ended though none of its windows was asked to close"));
             if (stoppedBefore[pid])
                 fail(describe("a stopped process ended: it was killed, not asked"));
         }
@@ -505,9 +528,7 @@ void Chaos::runCommand(Command command, const RunningAppInfo* target)
         break;
     }
     case Command::forceQuit: {
-        settle([&] {
-            return std::all_of(managed.begin(), managed.end(), [&](int pid) { return !alive(pid); });
-        });
+        settle([&] { return std::all_of(managed.begin(), managed.end(), [&](int pid) { return !alive(pid); }); });
         for (const int pid : died)
             if (managed.count(pid) == 0)
                 fail(describe("process " + std::to_string(pid) + " died though it was no target"));
@@ -515,8 +536,8 @@ void Chaos::runCommand(Command command, const RunningAppInfo* target)
             if (alive(pid))
                 fail(describe("target " + std::to_string(pid) + " survived"));
         if (quiet && reported != static_cast<long long>(managed.size()))
-            fail(describe("reported " + std::to_string(reported) + ", outside saw " +
-                          std::to_string(managed.size()) + " apps"));
+            fail(describe("reported " + std::to_string(reported) + ", outside saw " + std::to_string(managed.size()) +
+                          " apps"));
         break;
     }
     case Command::open:
@@ -530,13 +551,15 @@ void Chaos::runCommand(Command command, const RunningAppInfo* target)
         settle([&] { return !alive(target->id) || stoppedBefore[target->id]; });
         for (const int pid : died)
             if (pid != target->id)
-                fail(describe("process " + std::to_string(pid) + " died, the command was for " + std::to_string(target->id)));
+                fail(describe("process " + std::to_string(pid) + " died, the command was for " +
+                              std::to_string(target->id)));
         break;
     case Command::forceTerminate:
         settle([&] { return !alive(target->id); });
         for (const int pid : died)
             if (pid != target->id)
-                fail(describe("process " + std::to_string(pid) + " died, the command was for " + std::to_string(target->id)));
+                fail(describe("process " + std::to_string(pid) + " died, the command was for " +
+                              std::to_string(target->id)));
         if (alive(target->id) && quiet)
             fail(describe("the app survived"));
         break;
@@ -555,8 +578,8 @@ bool Chaos::round(int index, bool wmFaults)
     m_model.refreshRunningApps();
     const auto apps = m_model.runningApps();
     // Bulk force quit empties the desktop: rarer than the rest.
-    static const Command bulk[] = {Command::minimize, Command::hide, Command::close, Command::minimize,
-                                   Command::hide, Command::close, Command::forceQuit};
+    static const Command bulk[] = {Command::minimize, Command::hide,  Command::close,    Command::minimize,
+                                   Command::hide,     Command::close, Command::forceQuit};
     Command command = bulk[pick(7)];
     const RunningAppInfo* target = nullptr;
     if (!apps.empty() && chance(0.4)) {
@@ -581,11 +604,12 @@ bool Chaos::windowManagerFault(bool replace)
     m_model.minimizeAllWindows();
     if (m_model.hasAccessibilityPermission())
         fail("access still reported while no window manager runs");
-    if (m_model.lastResultMessage() != QStringLiteral("Accessibility access is required before minimizing other apps' windows."))
+    if (m_model.lastResultMessage() !=
+        QStringLiteral("Accessibility access is required before minimizing other apps' windows."))
         fail("unexpected message without a window manager: " + m_model.lastResultMessage().toStdString());
     const double cpuBefore = cpuSeconds();
     const auto wallBefore = std::chrono::steady_clock::now();
-    for (int tick = 0; tick < 10; ++tick) {   // ten refresh ticks, 100 ms apart
+    for (int tick = 0; tick < 10; ++tick) { // ten refresh ticks, 100 ms apart
         m_model.refreshSnapshot();
         std::this_thread::sleep_for(100ms);
     }
@@ -595,7 +619,8 @@ bool Chaos::windowManagerFault(bool replace)
     if (cpu / wall > 0.25)
         fail("busy while the window manager is absent: " + std::to_string(cpu / wall * 100) + "% CPU");
     const bool useIcewm = replace && system("command -v icewm >/dev/null 2>&1") == 0;
-    m_wmPid = useIcewm ? tb::spawn({"icewm", "--replace"}) : tb::spawn({"env", "XDG_DATA_DIRS=/usr/local/share:/usr/share", "openbox", "--sm-disable"});
+    m_wmPid = useIcewm ? tb::spawn({"icewm", "--replace"})
+                       : tb::spawn({"env", "XDG_DATA_DIRS=/usr/local/share:/usr/share", "openbox", "--sm-disable"});
     if (!tb::waitUntil([&] { return m_observer.look().windowManager; }, 10s))
         fail("the window manager did not come back");
     // A window manager announces itself before it handles map requests: only a window it
@@ -609,16 +634,16 @@ bool Chaos::windowManagerFault(bool replace)
     if (!ready)
         fail("the window manager that came back manages no new window");
     // Stowly notices by itself on its next tick.
-    const bool back = tb::waitUntil([&] {
-        m_model.refreshSnapshot();
-        return m_model.hasAccessibilityPermission();
-    }, 5s);
+    const bool back = tb::waitUntil(
+        [&] {
+            m_model.refreshSnapshot();
+            return m_model.hasAccessibilityPermission();
+        },
+        5s);
     if (!back)
         fail("access not reported again after the window manager came back");
     // The windows it re-manages are in the list again.
-    tb::waitUntil([&] {
-        return m_observer.look().windows.size() >= 1 || m_apps.empty();
-    }, 5s);
+    tb::waitUntil([&] { return m_observer.look().windows.size() >= 1 || m_apps.empty(); }, 5s);
     return m_failure.empty();
 }
 
@@ -632,10 +657,14 @@ int main(int argc, char** argv)
     std::uint64_t seed = static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count());
     for (int i = 1; i < argc; ++i) {
         const std::string a = argv[i];
-        if (a == "--rounds" && i + 1 < argc) rounds = std::atoi(argv[++i]);
-        else if (a == "--seed" && i + 1 < argc) seed = std::strtoull(argv[++i], nullptr, 10);
-        else if (a == "--wm-faults") wmFaults = true;
-        else if (a == "--no-type-changes") typeChanges = false;
+        if (a == "--rounds" && i + 1 < argc)
+            rounds = std::atoi(argv[++i]);
+        else if (a == "--seed" && i + 1 < argc)
+            seed = std::strtoull(argv[++i], nullptr, 10);
+        else if (a == "--wm-faults")
+            wmFaults = true;
+        else if (a == "--no-type-changes")
+            typeChanges = false;
         else {
             std::fprintf(stderr, "usage: stowly_chaos [--rounds N] [--seed S] [--wm-faults] [--no-type-changes]\n");
             return 2;
@@ -657,9 +686,10 @@ int main(int argc, char** argv)
     int done = 0;
     for (; done < rounds; ++done) {
         if (!chaos.round(done, wmFaults)) {
-            std::printf("chaos: FAILED in round %d: %s\n  before the command:%s\nchaos: replay with --seed %llu --rounds %d%s\n", done,
-                        chaos.failure().c_str(), chaos.lastScene().c_str(), static_cast<unsigned long long>(seed), done + 1,
-                        wmFaults ? " --wm-faults" : "");
+            std::printf("chaos: FAILED in round %d: %s\n  before the command:%s\nchaos: replay with --seed %llu "
+                        "--rounds %d%s\n",
+                        done, chaos.failure().c_str(), chaos.lastScene().c_str(), static_cast<unsigned long long>(seed),
+                        done + 1, wmFaults ? " --wm-faults" : "");
             if (!typeChanges)
                 std::printf("  (with --no-type-changes)\n");
             return 1;

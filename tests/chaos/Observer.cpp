@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "Observer.h"
 
 #include <cstdlib>
@@ -38,7 +42,8 @@ std::string SeenWindow::describe() const
 {
     return "window " + std::to_string(id) + " of pid " + std::to_string(pid) + (iconic ? ", iconic" : "") +
            (dialog ? ", dialog" : "") + (regularType ? "" : ", odd type") + (skipTaskbar ? ", skip-taskbar" : "") +
-           (closable ? "" : ", not closable") + (transientFor != 0 ? ", transient for " + std::to_string(transientFor) : "");
+           (closable ? "" : ", not closable") +
+           (transientFor != 0 ? ", transient for " + std::to_string(transientFor) : "");
 }
 
 std::set<int> Scene::managedPids(int self) const
@@ -78,8 +83,8 @@ xcb_atom_t Observer::atom(const char* name)
     const auto it = m_atoms.find(name);
     if (it != m_atoms.end())
         return it->second;
-    xcb_intern_atom_reply_t* reply =
-        xcb_intern_atom_reply(m_c, xcb_intern_atom(m_c, 0, static_cast<std::uint16_t>(std::strlen(name)), name), nullptr);
+    xcb_intern_atom_reply_t* reply = xcb_intern_atom_reply(
+        m_c, xcb_intern_atom(m_c, 0, static_cast<std::uint16_t>(std::strlen(name)), name), nullptr);
     const xcb_atom_t value = reply != nullptr ? reply->atom : XCB_NONE;
     std::free(reply);
     m_atoms[name] = value;
@@ -109,7 +114,7 @@ Scene Observer::look()
     const auto ids = longsOf(list, XCB_ATOM_WINDOW);
     std::free(list);
 
-    const xcb_atom_t props[] = {atom("_NET_WM_PID"),   atom("WM_STATE"), atom("_STOWLY_HIDDEN"),
+    const xcb_atom_t props[] = {atom("_NET_WM_PID"),         atom("WM_STATE"),      atom("_STOWLY_HIDDEN"),
                                 atom("_NET_WM_WINDOW_TYPE"), atom("_NET_WM_STATE"), atom("WM_PROTOCOLS"),
                                 XCB_ATOM_WM_TRANSIENT_FOR};
     constexpr std::size_t kProps = sizeof props / sizeof props[0];
@@ -138,10 +143,10 @@ Scene Observer::look()
         // The first type this desktop knows decides, as EWMH asks.
         xcb_atom_t type = XCB_NONE;
         for (const xcb_atom_t t : types) {
-            for (const char* known : {"_NET_WM_WINDOW_TYPE_NORMAL", "_NET_WM_WINDOW_TYPE_DIALOG",
-                                      "_NET_WM_WINDOW_TYPE_UTILITY", "_NET_WM_WINDOW_TYPE_TOOLBAR",
-                                      "_NET_WM_WINDOW_TYPE_MENU", "_NET_WM_WINDOW_TYPE_SPLASH",
-                                      "_NET_WM_WINDOW_TYPE_DESKTOP", "_NET_WM_WINDOW_TYPE_DOCK"})
+            for (const char* known :
+                 {"_NET_WM_WINDOW_TYPE_NORMAL", "_NET_WM_WINDOW_TYPE_DIALOG", "_NET_WM_WINDOW_TYPE_UTILITY",
+                  "_NET_WM_WINDOW_TYPE_TOOLBAR", "_NET_WM_WINDOW_TYPE_MENU", "_NET_WM_WINDOW_TYPE_SPLASH",
+                  "_NET_WM_WINDOW_TYPE_DESKTOP", "_NET_WM_WINDOW_TYPE_DOCK"})
                 if (t == atom(known))
                     type = t;
             if (type != XCB_NONE)
@@ -170,12 +175,12 @@ void Observer::toggleSkipTaskbar(std::uint32_t window, bool on)
     event.format = 32;
     event.window = window;
     event.type = atom("_NET_WM_STATE");
-    event.data.data32[0] = on ? 1 : 0;   // _NET_WM_STATE_ADD / _REMOVE
+    event.data.data32[0] = on ? 1 : 0; // _NET_WM_STATE_ADD / _REMOVE
     event.data.data32[1] = atom("_NET_WM_STATE_SKIP_TASKBAR");
     event.data.data32[3] = 2;
     xcb_send_event(m_c, 0, m_root, XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
                    reinterpret_cast<const char*>(&event));
-    std::free(xcb_get_input_focus_reply(m_c, xcb_get_input_focus(m_c), nullptr));   // a round trip
+    std::free(xcb_get_input_focus_reply(m_c, xcb_get_input_focus(m_c), nullptr)); // a round trip
 }
 
 void Observer::setWindowType(std::uint32_t window, const std::string& typeSuffix)

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 // The display and the process table as an outsider sees them: its own X connection and
@@ -15,21 +19,21 @@ namespace stowly::chaos {
 
 struct SeenWindow {
     std::uint32_t id = 0;
-    int pid = 0;                 // _NET_WM_PID (our test apps all tell the truth)
-    bool iconic = false;         // ICCCM WM_STATE Iconic
-    bool hiddenMark = false;     // _STOWLY_HIDDEN set
-    bool dialog = false;         // type DIALOG, or no type and transient for another
-    bool regularType = false;    // NORMAL, DIALOG or no type
+    int pid = 0;              // _NET_WM_PID (our test apps all tell the truth)
+    bool iconic = false;      // ICCCM WM_STATE Iconic
+    bool hiddenMark = false;  // _STOWLY_HIDDEN set
+    bool dialog = false;      // type DIALOG, or no type and transient for another
+    bool regularType = false; // NORMAL, DIALOG or no type
     bool skipTaskbar = false;
-    bool closable = false;       // WM_PROTOCOLS lists WM_DELETE_WINDOW
+    bool closable = false; // WM_PROTOCOLS lists WM_DELETE_WINDOW
     std::uint32_t transientFor = 0;
 
     std::string describe() const;
 };
 
 struct Scene {
-    std::map<std::uint32_t, SeenWindow> windows;   // by id, as listed in _NET_CLIENT_LIST
-    bool windowManager = false;                    // _NET_SUPPORTING_WM_CHECK names a live window
+    std::map<std::uint32_t, SeenWindow> windows; // by id, as listed in _NET_CLIENT_LIST
+    bool windowManager = false;                  // _NET_SUPPORTING_WM_CHECK names a live window
 
     // Processes alive now that own at least one regular, taskbar window: the apps Stowly
     // must list, and the targets of its bulk commands.
@@ -52,7 +56,7 @@ public:
 
     // Requests an outsider might send: EWMH state and type changes.
     void toggleSkipTaskbar(std::uint32_t window, bool on);
-    void setWindowType(std::uint32_t window, const std::string& typeSuffix);   // "UTILITY", "NORMAL"...
+    void setWindowType(std::uint32_t window, const std::string& typeSuffix); // "UTILITY", "NORMAL"...
 
 private:
     xcb_atom_t atom(const char* name);

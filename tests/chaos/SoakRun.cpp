@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // Soak and scale runs of Stowly's one-second refresh, ticked as fast as it goes.
 //
 //   stowly_soak [--ticks N] [--apps N] [--csv FILE] [--svg FILE]
@@ -9,9 +13,9 @@
 //       whether the list it gives is right.
 
 #include "AppModel.h"
-#include "X11Platform.h"
 #include "Observer.h"
 #include "TestBed.h"
+#include "X11Platform.h"
 #include "XConnection.h"
 
 #include <QCoreApplication>
@@ -43,10 +47,10 @@ struct Sample {
     long tick = 0;
     double seconds = 0;
     long rssKb = 0;
-    long privateKb = 0;   // RssAnon
+    long privateKb = 0; // RssAnon
     long fds = 0;
-    long xResources = 0;  // every resource our X client owns
-    long processes = 0;   // on the whole machine: the process table keeps a file open per process
+    long xResources = 0; // every resource our X client owns
+    long processes = 0;  // on the whole machine: the process table keeps a file open per process
     long descriptorsBeyondProcesses = 0;
 };
 
@@ -81,7 +85,7 @@ long openDescriptors()
                 ++count;
         closedir(d);
     }
-    return count - 1;   // the directory being read
+    return count - 1; // the directory being read
 }
 
 // XRes: the resources of the client whose ids start at our connection's base.
@@ -97,8 +101,8 @@ long xResourcesOf(xcb_connection_t* c)
     for (auto it = xcb_res_query_clients_clients_iterator(clients); it.rem > 0; xcb_res_client_next(&it)) {
         if (it.data->resource_base != base)
             continue;
-        xcb_res_query_client_resources_reply_t* resources = xcb_res_query_client_resources_reply(
-            c, xcb_res_query_client_resources(c, base), nullptr);
+        xcb_res_query_client_resources_reply_t* resources =
+            xcb_res_query_client_resources_reply(c, xcb_res_query_client_resources(c, base), nullptr);
         if (resources != nullptr) {
             total = 0;
             for (auto r = xcb_res_query_client_resources_types_iterator(resources); r.rem > 0; xcb_res_type_next(&r))
@@ -136,7 +140,8 @@ void writeSvg(const std::string& path, const std::vector<Sample>& samples)
             hi = std::max(hi, x.*each.field);
         }
         // A flat line still gets a scale: at least ±2 % around it.
-        const double span = std::max<double>(static_cast<double>(hi - lo), std::max(4.0, 0.04 * static_cast<double>(hi)));
+        const double span =
+            std::max<double>(static_cast<double>(hi - lo), std::max(4.0, 0.04 * static_cast<double>(hi)));
         const double bottom = static_cast<double>(lo) - (span - static_cast<double>(hi - lo)) / 2;
         const int top = 10 + s * rowHeight, plot = rowHeight - 30;
         out << "<text x=\"" << left << "\" y=\"" << top + 8 << "\">" << each.name << " (" << lo << " to " << hi
@@ -151,8 +156,8 @@ void writeSvg(const std::string& path, const std::vector<Sample>& samples)
         }
         out << "\"/>\n";
     }
-    out << "<text x=\"" << left << "\" y=\"" << rowHeight * 4 + 22 << "\">ticks 0 to " << samples.back().tick
-        << " (" << samples.back().seconds << " s)</text>\n</svg>\n";
+    out << "<text x=\"" << left << "\" y=\"" << rowHeight * 4 + 22 << "\">ticks 0 to " << samples.back().tick << " ("
+        << samples.back().seconds << " s)</text>\n</svg>\n";
 }
 
 int soak(long ticks, int appCount, const std::string& csvPath, const std::string& svgPath)
@@ -177,15 +182,15 @@ int soak(long ticks, int appCount, const std::string& csvPath, const std::string
     };
     for (int i = 0; i < appCount; ++i)
         startApp();
-    tb::waitUntil([&] { return model.refreshSnapshot(), model.runningApps().size() >= static_cast<std::size_t>(appCount); },
-                  20s);
+    tb::waitUntil(
+        [&] { return model.refreshSnapshot(), model.runningApps().size() >= static_cast<std::size_t>(appCount); }, 20s);
 
     std::vector<Sample> samples;
     const long every = std::max<long>(1, ticks / 400);
     const auto started = std::chrono::steady_clock::now();
     for (long tick = 0; tick <= ticks; ++tick) {
         model.refreshSnapshot();
-        if (rng() % 5 == 0 && !apps.empty()) {   // churn
+        if (rng() % 5 == 0 && !apps.empty()) { // churn
             const std::size_t victim = rng() % apps.size();
             tb::kill(apps[victim]);
             apps.erase(apps.begin() + static_cast<long>(victim));
@@ -216,8 +221,8 @@ int soak(long ticks, int appCount, const std::string& csvPath, const std::string
     std::ofstream csv(csvPath);
     csv << "tick,seconds,resident_kb,private_kb,descriptors,x_resources,processes_on_machine\n";
     for (const Sample& s : samples)
-        csv << s.tick << ',' << s.seconds << ',' << s.rssKb << ',' << s.privateKb << ',' << s.fds << ','
-            << s.xResources << ',' << s.processes << '\n';
+        csv << s.tick << ',' << s.seconds << ',' << s.rssKb << ',' << s.privateKb << ',' << s.fds << ',' << s.xResources
+            << ',' << s.processes << '\n';
     if (!svgPath.empty())
         writeSvg(svgPath, samples);
 
@@ -245,7 +250,8 @@ int soak(long ticks, int appCount, const std::string& csvPath, const std::string
     std::printf("soak: %ld ticks in %.0f s (%.1f days of one-second ticks), %d apps churning\n", ticks, seconds,
                 static_cast<double>(ticks) / 86400.0, appCount);
     for (const Bound& b : bounds) {
-        const long early = peak(fifth, 2 * fifth, b.field), late = peak(samples.size() - fifth, samples.size(), b.field);
+        const long early = peak(fifth, 2 * fifth, b.field),
+                   late = peak(samples.size() - fifth, samples.size(), b.field);
         const bool ok = late <= early + b.slack;
         grew = grew || !ok;
         std::printf("  %-28s after warm-up %ld, at the end %ld (allowed +%ld) %s\n", b.name, early, late, b.slack,
@@ -275,8 +281,8 @@ int scale(int windows, int processes, int idle)
                                   std::to_string(std::clamp(mine, 1, 16))}));
     }
     stowly::chaos::Observer observer(display.name());
-    const bool managed = tb::waitUntil([&] { return observer.look().windows.size() >= static_cast<std::size_t>(windows); },
-                                       180s);
+    const bool managed =
+        tb::waitUntil([&] { return observer.look().windows.size() >= static_cast<std::size_t>(windows); }, 180s);
     const std::size_t seen = observer.look().windows.size();
     auto measure = [&](const char* what) {
         std::vector<double> times;
@@ -295,19 +301,22 @@ int scale(int windows, int processes, int idle)
     bool ok = managed && measure("windows");
     if (idle > 0) {
         // Processes without windows: the process table grows, the list must not.
-        const int group = tb::spawn({"setsid", "sh", "-c", "i=0; while [ $i -lt " + std::to_string(idle) +
-                                                             " ]; do sleep 100000 & i=$((i+1)); done; wait"});
-        tb::waitUntil([&] {
-            long count = 0;
-            if (DIR* d = opendir("/proc")) {
-                while (dirent* e = readdir(d))
-                    count += e->d_name[0] >= '0' && e->d_name[0] <= '9';
-                closedir(d);
-            }
-            return count >= idle + processes;
-        }, 120s);
+        const int group =
+            tb::spawn({"setsid", "sh", "-c",
+                       "i=0; while [ $i -lt " + std::to_string(idle) + " ]; do sleep 100000 & i=$((i+1)); done; wait"});
+        tb::waitUntil(
+            [&] {
+                long count = 0;
+                if (DIR* d = opendir("/proc")) {
+                    while (dirent* e = readdir(d))
+                        count += e->d_name[0] >= '0' && e->d_name[0] <= '9';
+                    closedir(d);
+                }
+                return count >= idle + processes;
+            },
+            120s);
         ok = measure((std::to_string(idle) + " more processes").c_str()) && ok;
-        ::kill(-group, SIGKILL);   // the whole group this run started, and nothing else
+        ::kill(-group, SIGKILL); // the whole group this run started, and nothing else
         tb::kill(group);
     }
     for (const int pid : apps)
@@ -326,14 +335,22 @@ int main(int argc, char** argv)
     for (int i = 1; i < argc; ++i) {
         const std::string a = argv[i];
         const bool more = i + 1 < argc;
-        if (a == "--ticks" && more) ticks = std::atol(argv[++i]);
-        else if (a == "--apps" && more) apps = std::atoi(argv[++i]);
-        else if (a == "--csv" && more) csv = argv[++i];
-        else if (a == "--svg" && more) svg = argv[++i];
-        else if (a == "--scale") scaleRun = true;
-        else if (a == "--windows" && more) windows = std::atoi(argv[++i]);
-        else if (a == "--processes" && more) processes = std::atoi(argv[++i]);
-        else if (a == "--idle" && more) idle = std::atoi(argv[++i]);
+        if (a == "--ticks" && more)
+            ticks = std::atol(argv[++i]);
+        else if (a == "--apps" && more)
+            apps = std::atoi(argv[++i]);
+        else if (a == "--csv" && more)
+            csv = argv[++i];
+        else if (a == "--svg" && more)
+            svg = argv[++i];
+        else if (a == "--scale")
+            scaleRun = true;
+        else if (a == "--windows" && more)
+            windows = std::atoi(argv[++i]);
+        else if (a == "--processes" && more)
+            processes = std::atoi(argv[++i]);
+        else if (a == "--idle" && more)
+            idle = std::atoi(argv[++i]);
         else {
             std::fprintf(stderr, "usage: stowly_soak [--ticks N] [--apps N] [--csv F] [--svg F] | --scale "
                                  "[--windows N] [--processes N] [--idle N]\n");

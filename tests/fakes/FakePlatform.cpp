@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "FakePlatform.h"
 
 #include <algorithm>
@@ -104,8 +108,7 @@ AXElementRef FakeAccessibility::createApplication(std::int32_t pid)
     return std::make_shared<FakeElement>("app" + std::to_string(pid));
 }
 
-AXError FakeAccessibility::copyAttributeValue(const AXElementRef& element, const std::string& attribute,
-                                              AXValue& value)
+AXError FakeAccessibility::copyAttributeValue(const AXElementRef& element, const std::string& attribute, AXValue& value)
 {
     auto* fake = dynamic_cast<FakeElement*>(element.get());
     if (!fake)

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 // Scriptable stand-ins for every platform interface, so that each rule of the logic
@@ -67,7 +71,7 @@ public:
     std::vector<FakeAppRef> apps;
     // Processes that belong to an app without owning it (helpers): pid -> app.
     std::map<std::int32_t, FakeAppRef> applicationOfProcess;
-    std::vector<std::string> requestLog;   // "hide:<pid>", "forceTerminate:<pid>", ...
+    std::vector<std::string> requestLog; // "hide:<pid>", "forceTerminate:<pid>", ...
     int runningApplicationsCalls = 0;
 
     FakeAppRef addApp(std::int32_t pid, std::optional<std::string> name,
@@ -90,8 +94,8 @@ public:
     explicit FakeElement(std::string label) : label(std::move(label)) {}
     std::string label;
     std::map<std::string, FakeAttribute> attributes;
-    std::map<std::string, AXError> setAnswers;      // attribute -> code (default success)
-    std::map<std::string, AXError> actionAnswers;   // action -> code (default success)
+    std::map<std::string, AXError> setAnswers;    // attribute -> code (default success)
+    std::map<std::string, AXError> actionAnswers; // action -> code (default success)
 };
 using FakeElementRef = std::shared_ptr<FakeElement>;
 
@@ -99,7 +103,7 @@ class FakeAccessibility : public Accessibility {
 public:
     // Application elements by pid; a pid without one gets an element with no attributes.
     std::map<std::int32_t, FakeElementRef> applications;
-    std::vector<std::string> log;   // "set:<label>:AXMinimized", "press:<label>", ...
+    std::vector<std::string> log; // "set:<label>:AXMinimized", "press:<label>", ...
     int createdApplications = 0;
 
     // A standard window (role AXWindow, subrole AXStandardWindow, not minimized,
@@ -108,18 +112,17 @@ public:
     FakeElementRef applicationElement(std::int32_t pid);
 
     AXElementRef createApplication(std::int32_t pid) override;
-    AXError copyAttributeValue(const AXElementRef& element, const std::string& attribute,
-                               AXValue& value) override;
-    AXError setAttributeValue(const AXElementRef& element, const std::string& attribute,
-                              const AXValue& value) override;
+    AXError copyAttributeValue(const AXElementRef& element, const std::string& attribute, AXValue& value) override;
+    AXError setAttributeValue(const AXElementRef& element, const std::string& attribute, const AXValue& value) override;
     AXError performAction(const AXElementRef& element, const std::string& action) override;
 };
 
 class FakeTrust : public AccessibilityTrust {
 public:
     bool trusted = false;
-    std::vector<bool> prompts;   // the prompt flag of every query
-    bool isProcessTrusted(bool prompt) override {
+    std::vector<bool> prompts; // the prompt flag of every query
+    bool isProcessTrusted(bool prompt) override
+    {
         prompts.push_back(prompt);
         return trusted;
     }
@@ -128,21 +131,21 @@ public:
 // ---- Process table ---------------------------------------------------------------
 
 struct FakeProcess {
-    std::optional<std::string> name;     // nullopt: proc_name fails
-    int rusageResult = 0;                // 0: success
+    std::optional<std::string> name; // nullopt: proc_name fails
+    int rusageResult = 0;            // 0: success
     std::uint64_t footprint = 0;
-    int taskInfoResult = kTaskInfoSize;  // bytes written
+    int taskInfoResult = kTaskInfoSize; // bytes written
     std::uint64_t resident = 0;
 };
 
 class FakeProcessTable : public ProcessTable {
 public:
     std::map<std::int32_t, FakeProcess> processes;
-    std::vector<std::int32_t> order;             // listing order; empty: by pid
-    std::optional<int> countAnswer;              // overrides the no-buffer count
-    std::optional<int> listAnswer;               // overrides the filled count
-    std::vector<std::int32_t> extraListedPids;   // listed but unknown (e.g. 0)
-    int listAllPidsCalls = 0;                    // both forms: count and fill
+    std::vector<std::int32_t> order;           // listing order; empty: by pid
+    std::optional<int> countAnswer;            // overrides the no-buffer count
+    std::optional<int> listAnswer;             // overrides the filled count
+    std::vector<std::int32_t> extraListedPids; // listed but unknown (e.g. 0)
+    int listAllPidsCalls = 0;                  // both forms: count and fill
 
     FakeProcess& add(std::int32_t pid, std::optional<std::string> name, std::uint64_t footprint);
 
@@ -160,14 +163,15 @@ private:
 class FakeLoginItems : public LoginItemService {
 public:
     LoginItemStatus currentStatus = LoginItemStatus::notRegistered;
-    std::optional<std::string> registerError;     // set: register fails with this text
+    std::optional<std::string> registerError; // set: register fails with this text
     std::optional<std::string> unregisterError;
-    std::optional<LoginItemStatus> statusAfterRegister;   // default: enabled
+    std::optional<LoginItemStatus> statusAfterRegister; // default: enabled
     int statusQueries = 0;
     int registerCalls = 0;
     int unregisterCalls = 0;
 
-    LoginItemStatus status() override {
+    LoginItemStatus status() override
+    {
         ++statusQueries;
         return currentStatus;
     }
@@ -179,7 +183,8 @@ class FakeUrlOpener : public UrlOpener {
 public:
     std::vector<std::string> opened;
     bool answer = true;
-    bool openUrl(const std::string& url) override {
+    bool openUrl(const std::string& url) override
+    {
         opened.push_back(url);
         return answer;
     }
@@ -190,7 +195,8 @@ public:
     std::map<std::string, std::string> values;
     int writes = 0;
     std::optional<std::string> string(const std::string& key) const override;
-    void setString(const std::string& key, const std::string& value) override {
+    void setString(const std::string& key, const std::string& value) override
+    {
         ++writes;
         values[key] = value;
     }
@@ -201,10 +207,11 @@ class FakeAccessSettings : public AccessSettings {
 public:
     explicit FakeAccessSettings(UrlOpener& urlOpener) : urlOpener(urlOpener) {}
     UrlOpener& urlOpener;
-    std::optional<std::string> settingsName = std::string("System Settings");   // nullopt: nothing to open
+    std::optional<std::string> settingsName = std::string("System Settings"); // nullopt: nothing to open
     std::string location = "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility";
     int nameQueries = 0;
-    std::optional<std::string> name() override {
+    std::optional<std::string> name() override
+    {
         ++nameQueries;
         return settingsName;
     }
@@ -223,9 +230,10 @@ struct FakePlatform {
     FakePreferenceStore preferences;
     FakeAccessSettings accessSettings{urlOpener};
 
-    Platform platform() {
-        return Platform{workspace, accessibility, trust, processTable, loginItems, urlOpener, preferences,
-                        accessSettings};
+    Platform platform()
+    {
+        return Platform{workspace,  accessibility, trust,       processTable,
+                        loginItems, urlOpener,     preferences, accessSettings};
     }
 };
 

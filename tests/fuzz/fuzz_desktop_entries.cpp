@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // A desktop entry with any bytes, as a user's applications folder may hold one: read the
 // way the workspace reads it, then looked up the way windows look it up.
 
@@ -46,7 +50,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         std::ofstream out(g_file, std::ios::binary | std::ios::trunc);
         out.write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
     }
-    DesktopEntries entries;   // reads the folder
+    DesktopEntries entries; // reads the folder
     const std::optional<std::string> id = std::string("org.example.Fuzzed");
     const std::optional<std::string> wmClass = std::string("Fuzzed");
     const DesktopEntries::Hints hints{&id, nullptr, &wmClass, nullptr};

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // _NET_WM_ICON as any client may write it: sizes that overflow, lie or run past the end.
 
 #include "FuzzCheck.h"
@@ -10,7 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     if (size < 1)
         return 0;
-    const int wanted = data[0] == 0 ? -1 : data[0];   // 0 stands for a nonsense request
+    const int wanted = data[0] == 0 ? -1 : data[0]; // 0 stands for a nonsense request
     std::vector<std::uint32_t> longs((size - 1) / 4);
     if (!longs.empty())
         std::memcpy(longs.data(), data + 1, longs.size() * 4);

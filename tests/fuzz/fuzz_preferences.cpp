@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // A preference file with any bytes in it: the settings logic must read some valid state
 // out of it and keep working when it writes back.
 
@@ -48,7 +52,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     (void)preferred;
     (void)enabled;
     // Acting on the garbage must leave a readable, consistent state.
-    ActionSettings::toggleAction(store, selected, false);   // switched on
+    ActionSettings::toggleAction(store, selected, false); // switched on
     STOWLY_FUZZ_CHECK(ActionSettings::enabledActions(store).count(selected) == 1);
     STOWLY_FUZZ_CHECK(AppPreferences::parseEnabledActions(AppPreferences::storedEnabledActions(store)) ==
                       ActionSettings::enabledActions(store));

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // /proc/PID/status and /proc/PID/stat texts as a process may shape them (its name is
 // free text, and a read can catch a file cut short while the process exits).
 

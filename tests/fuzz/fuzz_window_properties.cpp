@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // A client window's properties with any type, format and length: what the snapshot takes
 // from them must stay well formed (valid UTF-8 text, pids in range), whatever was sent.
 // Input: per property, one type byte, one format byte, a 16-bit length, then the bytes.
@@ -20,8 +24,8 @@ constexpr xcb_atom_t kWmDeleteAtom = 302;
 
 xcb_atom_t typeFor(std::uint8_t selector)
 {
-    static const xcb_atom_t types[] = {XCB_NONE,     XCB_ATOM_CARDINAL, XCB_ATOM_ATOM, XCB_ATOM_WINDOW,
-                                       XCB_ATOM_STRING, kUtf8Atom,    kWmStateAtom,      XCB_ATOM_INTEGER};
+    static const xcb_atom_t types[] = {XCB_NONE,        XCB_ATOM_CARDINAL, XCB_ATOM_ATOM, XCB_ATOM_WINDOW,
+                                       XCB_ATOM_STRING, kUtf8Atom,         kWmStateAtom,  XCB_ATOM_INTEGER};
     return selector < sizeof types / sizeof types[0] ? types[selector] : selector;
 }
 

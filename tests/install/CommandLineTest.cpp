@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // Parsing the command line: what each command becomes, and what bad usage says.
 #include "CommandLine.h"
 

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // A command's exit status and output stream follow how the model says the command went,
 // whatever its sentence happens to begin with.
 #include "AppModel.h"

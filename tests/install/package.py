@@ -1,4 +1,9 @@
 #!/usr/bin/python3
+
+# SPDX-FileCopyrightText: 2026 The Stowly developers
+#
+# SPDX-License-Identifier: MIT
+
 """The Debian package as a user gets it.
 
   package.py build BUILD_DIR      runs CPack once and unpacks the .deb into BUILD_DIR/package/root

@@ -1,3 +1,7 @@
+# SPDX-FileCopyrightText: 2026 The Stowly developers
+#
+# SPDX-License-Identifier: MIT
+
 """What the install tests share: checks that report and count, and a look at processes from
 outside, through /proc."""
 

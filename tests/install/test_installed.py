@@ -1,4 +1,9 @@
 #!/usr/bin/python3
+
+# SPDX-FileCopyrightText: 2026 The Stowly developers
+#
+# SPDX-License-Identifier: MIT
+
 """The installed program on a private desktop: it shows up in the tray, a second start opens
 the first one's panel, a start after a crash works, and every command-line command acts on
 real apps, checked from outside through the X server and /proc.

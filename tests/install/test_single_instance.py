@@ -1,4 +1,9 @@
 #!/usr/bin/python3
+
+# SPDX-FileCopyrightText: 2026 The Stowly developers
+#
+# SPDX-License-Identifier: MIT
+
 """One Stowly per session, seen from outside. On a private session bus: the first start owns
 app.stowly.Stowly, a second start opens the first one's panel and exits 0, the name goes with
 a process killed by SIGKILL so that the next start works, org.freedesktop.Application answers

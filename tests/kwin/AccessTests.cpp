@@ -1,8 +1,12 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // Asking KWin for the window-management interface, end to end: our entry is written and a
 // new connection is granted, for a program path with spaces and quotes too.
 #include "KWinAccessGrant.h"
-#include "PlasmaSystemSettings.h"
 #include "KWinSession.h"
+#include "PlasmaSystemSettings.h"
 #include "TestBed.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // Linked last: this ends the compositor the whole run shares.
 #include "KWinSession.h"
 #include "PlasmaWindowManagement.h"
@@ -24,8 +28,7 @@ long cpuMicroseconds()
 {
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
-    return (usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) * 1000000L + usage.ru_utime.tv_usec +
-           usage.ru_stime.tv_usec;
+    return (usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) * 1000000L + usage.ru_utime.tv_usec + usage.ru_stime.tv_usec;
 }
 
 TEST(CompositorLoss, TheCompositorGoingAwayEndsTheConnectionQuietly)

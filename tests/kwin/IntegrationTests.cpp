@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // The real AppModel and WindowMinimizer over the KWin backend, in a headless KWin session
 // with native Wayland and Xwayland apps; every effect is checked from outside our code
 // (KWin's own scripting, the apps' own reports, /proc).
@@ -48,18 +52,21 @@ struct Desk {
         withDialog = s.startNative("kdesk-main", {"--dialog"});
         stubborn = s.startNative("kdesk-stubborn", {"--refuse-close"});
         term = s.startXterm("kdesk-term");
-        accessory = s.startX11TestWindow("kdesk-accessory", {"--skip-taskbar", "--class", "kdeskaccessory", "KDeskAccessory"});
-        return tb::waitUntil([&] {
-            std::set<std::string> captions;
-            for (const ScriptedWindow& w : s.scriptedWindows())
-                captions.insert(w.caption);
-            for (const char* c : {"kdesk-a", "kdesk-b", "kdesk-main", "kdesk-main dialog", "kdesk-stubborn",
-                                  "kdesk-term", "kdesk-accessory"}) {
-                if (captions.count(c) == 0)
-                    return false;
-            }
-            return true;
-        }, 20s);
+        accessory =
+            s.startX11TestWindow("kdesk-accessory", {"--skip-taskbar", "--class", "kdeskaccessory", "KDeskAccessory"});
+        return tb::waitUntil(
+            [&] {
+                std::set<std::string> captions;
+                for (const ScriptedWindow& w : s.scriptedWindows())
+                    captions.insert(w.caption);
+                for (const char* c : {"kdesk-a", "kdesk-b", "kdesk-main", "kdesk-main dialog", "kdesk-stubborn",
+                                      "kdesk-term", "kdesk-accessory"}) {
+                    if (captions.count(c) == 0)
+                        return false;
+                }
+                return true;
+            },
+            20s);
     }
     ~Desk()
     {

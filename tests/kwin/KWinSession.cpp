@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "KWinSession.h"
 
 #include "TestBed.h"
@@ -107,10 +111,13 @@ KWinSession::KWinSession(const std::string& buildDir, bool grantSelf)
     }
     m_x11Display = firstLine(tb::readText(m_root + "/x11-display"));
     // KWin answers on D-Bus once its scripting is up.
-    if (!tb::waitUntil([&] { return tb::run("dbus-send --session --print-reply --dest=org.kde.KWin /Scripting "
-                                            "org.freedesktop.DBus.Peer.Ping 2>/dev/null")
-                                        .find("method return") != std::string::npos; },
-                       20s)) {
+    if (!tb::waitUntil(
+            [&] {
+                return tb::run("dbus-send --session --print-reply --dest=org.kde.KWin /Scripting "
+                               "org.freedesktop.DBus.Peer.Ping 2>/dev/null")
+                           .find("method return") != std::string::npos;
+            },
+            20s)) {
         m_error = "KWin is not on the session bus";
         return;
     }
@@ -194,17 +201,21 @@ std::vector<ScriptedWindow> KWinSession::scriptedWindows()
     tb::writeFile(script, "var list = workspace.clientList();\n"
                           "for (var i = 0; i < list.length; ++i) {\n"
                           "    var c = list[i];\n"
-                          "    print('" + marker + "|' + c.pid + '|' + c.minimized + '|' + c.active + '|' + c.caption);\n"
-                          "}\n"
-                          "print('" + marker + "|end');\n");
+                          "    print('" +
+                              marker +
+                              "|' + c.pid + '|' + c.minimized + '|' + c.active + '|' + c.caption);\n"
+                              "}\n"
+                              "print('" +
+                              marker + "|end');\n");
     const std::string reply = tb::run("dbus-send --session --print-reply --dest=org.kde.KWin /Scripting "
-                                      "org.kde.kwin.Scripting.loadScript string:'" + script + "' string:'" + marker +
-                                      "' 2>&1");
+                                      "org.kde.kwin.Scripting.loadScript string:'" +
+                                      script + "' string:'" + marker + "' 2>&1");
     const auto at = reply.find("int32 ");
     if (at == std::string::npos)
         return {};
     const std::string id = std::to_string(std::atoi(reply.c_str() + at + 6));
-    tb::run("dbus-send --session --print-reply --dest=org.kde.KWin /" + id + " org.kde.kwin.Script.run >/dev/null 2>&1");
+    tb::run("dbus-send --session --print-reply --dest=org.kde.KWin /" + id +
+            " org.kde.kwin.Script.run >/dev/null 2>&1");
     std::vector<ScriptedWindow> windows;
     tb::waitUntil([&] { return tb::readText(m_kwinLog).find(marker + "|end") != std::string::npos; }, 5s);
     std::istringstream log(tb::readText(m_kwinLog));
@@ -220,8 +231,8 @@ std::vector<ScriptedWindow> KWinSession::scriptedWindows()
         std::getline(fields, caption);
         windows.push_back({std::atoi(pid.c_str()), minimized == "true", active == "true", caption});
     }
-    tb::run("dbus-send --session --dest=org.kde.KWin /Scripting org.kde.kwin.Scripting.unloadScript string:'" +
-            marker + "' >/dev/null 2>&1");
+    tb::run("dbus-send --session --dest=org.kde.KWin /Scripting org.kde.kwin.Scripting.unloadScript string:'" + marker +
+            "' >/dev/null 2>&1");
     return windows;
 }
 

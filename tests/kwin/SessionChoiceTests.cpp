@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // The program itself, started in the KWin session: which window system it picks and says.
 #include "KWinSession.h"
 #include "TestBed.h"
@@ -22,11 +26,13 @@ std::string startupLog(const std::string& program, const std::string& name)
     unsetenv("DISPLAY");
     unsetenv("XDG_CURRENT_DESKTOP");
     // Other lines may come first (the single-instance socket, say): wait for the choice itself.
-    tb::waitUntil([&] {
-        const std::string text = tb::readText(log);
-        return text.find("Wayland session on KWin") != std::string::npos ||
-               text.find("using X11 through Xwayland") != std::string::npos;
-    }, 10s);
+    tb::waitUntil(
+        [&] {
+            const std::string text = tb::readText(log);
+            return text.find("Wayland session on KWin") != std::string::npos ||
+                   text.find("using X11 through Xwayland") != std::string::npos;
+        },
+        10s);
     const bool stillRunning = !tb::processGone(pid);
     tb::kill(pid);
     return tb::readText(log) + (stillRunning ? "" : "\n(exited early)");

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "KWinSession.h"
 #include "PlasmaWindowManagement.h"
 #include "TestBed.h"
@@ -40,14 +44,16 @@ protected:
     std::optional<PlasmaWindowInfo> waitForWindow(const std::string& title, std::chrono::milliseconds deadline = 15s)
     {
         std::optional<PlasmaWindowInfo> found;
-        tb::waitUntil([&] {
-            management->sync(500);
-            for (const PlasmaWindowInfo& window : management->windows()) {
-                if (window.title == title)
-                    found = window;
-            }
-            return found.has_value();
-        }, deadline);
+        tb::waitUntil(
+            [&] {
+                management->sync(500);
+                for (const PlasmaWindowInfo& window : management->windows()) {
+                    if (window.title == title)
+                        found = window;
+                }
+                return found.has_value();
+            },
+            deadline);
         return found;
     }
     std::optional<PlasmaWindowInfo> current(const std::string& uuid)

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "KWinAccessibility.h"
 #include "KWinSession.h"
 #include "PlasmaWindowManagement.h"
@@ -46,8 +50,8 @@ int main(int argc, char** argv)
         QCoreApplication app(argc, argv);
         stowly::kwin::PlasmaWindowManagement management;
         std::printf("%s\n", !management.connection().isConnected() ? "no-connection"
-                            : management.isGranted()  ? "granted"
-                                                      : "denied");
+                            : management.isGranted()               ? "granted"
+                                                                   : "denied");
         return 0;
     }
     // The same copy asks for access the way the settings window does, then checks once a

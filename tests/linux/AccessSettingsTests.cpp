@@ -1,9 +1,13 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // What "Open System Settings" opens on X11: the running window manager's settings
 // program, found by the name on its EWMH check window, when it is installed.
 
-#include "X11Platform.h"
 #include "TestBed.h"
 #include "WindowManagerSettings.h"
+#include "X11Platform.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,14 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // Which app reads as active while one of Stowly's own windows holds the focus. The test
 // process stands in for Stowly: a window it owns is one of "our" windows. Every step is
 // checked against _NET_ACTIVE_WINDOW as xprop reads it.
 
-#include "X11Platform.h"
 #include "OwnWindow.h"
 #include "TestBed.h"
+#include "X11Platform.h"
 
 #include <xcb/xcb.h>
 
@@ -53,13 +57,12 @@ void setActiveWindowProperty(std::uint32_t value, bool asRoot)
     ASSERT_FALSE(xcb_connection_has_error(c));
     xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(c)).data;
     const char name[] = "_NET_ACTIVE_WINDOW";
-    xcb_intern_atom_reply_t* atom =
-        xcb_intern_atom_reply(c, xcb_intern_atom(c, 0, std::strlen(name), name), nullptr);
+    xcb_intern_atom_reply_t* atom = xcb_intern_atom_reply(c, xcb_intern_atom(c, 0, std::strlen(name), name), nullptr);
     ASSERT_NE(atom, nullptr);
     const std::uint32_t data = asRoot ? screen->root : value;
     xcb_change_property(c, XCB_PROP_MODE_REPLACE, screen->root, atom->atom, XCB_ATOM_WINDOW, 32, 1, &data);
     std::free(atom);
-    std::free(xcb_get_input_focus_reply(c, xcb_get_input_focus(c), nullptr));   // processed before we go
+    std::free(xcb_get_input_focus_reply(c, xcb_get_input_focus(c), nullptr)); // processed before we go
     xcb_disconnect(c);
 }
 

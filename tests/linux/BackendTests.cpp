@@ -1,11 +1,15 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // The Linux backend on a real X server, window manager and apps: every answer of ours is
 // compared with what xprop, wmctrl and /proc say.
 
-#include "X11Platform.h"
 #include "NetWmIcon.h"
 #include "ProcFs.h"
 #include "TestBed.h"
 #include "TextUtil.h"
+#include "X11Platform.h"
 #include "XConnection.h"
 #include "XdgAutostart.h"
 
@@ -120,8 +124,8 @@ TEST_F(Backend, ElementsOfALostConnectionAnswerCannotComplete)
     Apps local;
     const int pid = local.startTestWindow("lost-connection window");
     ASSERT_TRUE(waitUntil([&] { return !wmctrlWindows(other.name()).empty(); }, 15s))
-        << other.name() << " " << sharedDisplay().name() << " pid alive " << !processGone(pid)
-        << " wm alive " << !processGone(other.windowManagerPid()) << " shared wm alive "
+        << other.name() << " " << sharedDisplay().name() << " pid alive " << !processGone(pid) << " wm alive "
+        << !processGone(other.windowManagerPid()) << " shared wm alive "
         << !processGone(sharedDisplay().windowManagerPid()) << "\n"
         << run("tr '\\0' '\\n' < /proc/" + std::to_string(pid) + "/environ | grep DISPLAY") << "\n"
         << run("wmctrl -lp") << "\n"
@@ -152,10 +156,11 @@ TEST_F(Backend, ListsOneAppPerProcessWithPolicyNameAndId)
     const int logo = apps.start({"xlogo", "-title", "list-logo"});
     const int accessory = apps.startTestWindow("list-accessory", {"--skip-taskbar"});
     const int utility = apps.startTestWindow("list-utility", {"--type", "utility"});
-    const int twoWindows = apps.startTestWindow("list-two", {"--windows", "2", "--dialog", "--gtk-id", "org.stowly.GtkProbe"});
+    const int twoWindows =
+        apps.startTestWindow("list-two", {"--windows", "2", "--dialog", "--gtk-id", "org.stowly.GtkProbe"});
     const int noPid = apps.startTestWindow("list-nopid", {"--no-pid", "--class", "classmatch", "ClassMatch"});
     ASSERT_TRUE(waitForWindowTitled("list-term-1") && waitForWindowTitled("list-term-2"));
-    ASSERT_TRUE(waitForWindowTitled("list-logo"));   // xlogo sets no _NET_WM_PID
+    ASSERT_TRUE(waitForWindowTitled("list-logo")); // xlogo sets no _NET_WM_PID
     ASSERT_TRUE(waitForWindowTitled("list-accessory") && waitForWindowTitled("list-utility"));
     ASSERT_TRUE(waitForWindowCount("list-two", 3) && waitForWindowTitled("list-nopid"));
 
@@ -194,7 +199,8 @@ TEST_F(Backend, ListsOneAppPerProcessWithPolicyNameAndId)
     // Client-list order: each app first appears with its first window.
     std::vector<int> expectedOrder;
     for (const auto& w : wmctrlWindows())
-        if (w.pid > 0 && byPid.count(w.pid) && std::find(expectedOrder.begin(), expectedOrder.end(), w.pid) == expectedOrder.end())
+        if (w.pid > 0 && byPid.count(w.pid) &&
+            std::find(expectedOrder.begin(), expectedOrder.end(), w.pid) == expectedOrder.end())
             expectedOrder.push_back(w.pid);
     std::vector<int> actualOrder;
     for (const auto& app : list)
@@ -224,8 +230,10 @@ TEST_F(Backend, IconNearestTheDrawnSizeAndOddIconsAreHarmless)
     const int plain = apps.startTestWindow("icon-plain", {"--icon", "48"});
     const int huge = apps.startTestWindow("icon-huge", {"--huge-icon"});
     const int none = apps.startTestWindow("icon-none");
-    ASSERT_TRUE(waitForWindowTitled("icon-plain") && waitForWindowTitled("icon-huge") && waitForWindowTitled("icon-none"));
-    ASSERT_NE(xprop(waitForWindowTitled("icon-huge"), "_NET_WM_ICON").find("_NET_WM_ICON(CARDINAL)"), std::string::npos);
+    ASSERT_TRUE(waitForWindowTitled("icon-plain") && waitForWindowTitled("icon-huge") &&
+                waitForWindowTitled("icon-none"));
+    ASSERT_NE(xprop(waitForWindowTitled("icon-huge"), "_NET_WM_ICON").find("_NET_WM_ICON(CARDINAL)"),
+              std::string::npos);
 
     const auto plainApp = appWithPid(p.workspace, plain);
     const auto hugeApp = appWithPid(p.workspace, huge);
@@ -238,7 +246,8 @@ TEST_F(Backend, IconNearestTheDrawnSizeAndOddIconsAreHarmless)
     ASSERT_TRUE(hugeApp->icon());
     EXPECT_EQ(hugeApp->icon()->width, 32);
     // openbox gives icon-less windows its own 48 px icon; whatever is there is what we show.
-    const bool hasIcon = xprop(waitForWindowTitled("icon-none"), "_NET_WM_ICON").find("Icon (48 x 48)") != std::string::npos;
+    const bool hasIcon =
+        xprop(waitForWindowTitled("icon-none"), "_NET_WM_ICON").find("Icon (48 x 48)") != std::string::npos;
     EXPECT_EQ(noneApp->icon() != nullptr, hasIcon);
 }
 
@@ -264,9 +273,11 @@ TEST_F(Backend, AppsWithoutWindowIconsShowTheirDesktopEntryIcon)
               "[Desktop Entry]\nType=Application\nName=Missing Probe\nExec=true\nIcon=stowly-no-such-icon\n"
               "StartupWMClass=MissingProbe\n");
 
-    const int themedApp = apps.startTestWindow("probe-themed", {"--pixmap-icon", "--class", "themedprobe", "ThemedProbe"});
+    const int themedApp =
+        apps.startTestWindow("probe-themed", {"--pixmap-icon", "--class", "themedprobe", "ThemedProbe"});
     const int fileApp = apps.startTestWindow("probe-file", {"--pixmap-icon", "--class", "fileprobe", "FileProbe"});
-    const int missingApp = apps.startTestWindow("probe-missing", {"--pixmap-icon", "--class", "missingprobe", "MissingProbe"});
+    const int missingApp =
+        apps.startTestWindow("probe-missing", {"--pixmap-icon", "--class", "missingprobe", "MissingProbe"});
     ASSERT_TRUE(waitForWindowTitled("probe-themed") && waitForWindowTitled("probe-file") &&
                 waitForWindowTitled("probe-missing"));
     for (const char* title : {"probe-themed", "probe-file", "probe-missing"})
@@ -308,14 +319,17 @@ TEST(NetWmIcon, DecodesRobustly)
     const std::uint32_t tie[] = {1, 1, 7, 3, 3, 1, 1, 1, 1, 1, 1, 1, 1, 1};
     icon = x11::decodeNetWmIcon(tie, sizeof tie / 4, 2);
     ASSERT_TRUE(icon);
-    EXPECT_EQ(icon->width, 3);   // 1 and 3 are as near as each other to 2: the larger wins
+    EXPECT_EQ(icon->width, 3); // 1 and 3 are as near as each other to 2: the larger wins
 }
 
 TEST(TextUtil, NeverPassesInvalidUtf8)
 {
     EXPECT_EQ(linuxdesktop::latin1OrUtf8ToUtf8("Gr\xfc\xdf"), "Gr\xc3\xbc\xc3\x9f");
     EXPECT_EQ(linuxdesktop::latin1OrUtf8ToUtf8("caf\xc3\xa9"), "caf\xc3\xa9");
-    EXPECT_EQ(linuxdesktop::sanitizeUtf8("a\xff" "b\xed\xa0\x80"), "a\xef\xbf\xbd" "b\xef\xbf\xbd\xef\xbf\xbd\xef\xbf\xbd");
+    EXPECT_EQ(linuxdesktop::sanitizeUtf8("a\xff"
+                                         "b\xed\xa0\x80"),
+              "a\xef\xbf\xbd"
+              "b\xef\xbf\xbd\xef\xbf\xbd\xef\xbf\xbd");
     EXPECT_TRUE(linuxdesktop::isValidUtf8(linuxdesktop::sanitizeUtf8("\xc0\xaf\xf5\x80")));
 }
 
@@ -331,8 +345,8 @@ TEST_F(Backend, GarbagePropertiesAndNonUtf8TitlesAreHarmless)
     // Its WM_CLASS has an instance but no class: no name, no id (the panel says "Unknown App").
     EXPECT_EQ(garbageApp->localizedName(), std::nullopt);
     EXPECT_EQ(garbageApp->bundleIdentifier(), std::nullopt);
-    (void)garbageApp->icon();   // openbox may have replaced the junk icon with its own
-    EXPECT_EQ(garbageApp->activationPolicy(), ActivationPolicy::regular);   // unreadable type counts as none
+    (void)garbageApp->icon(); // openbox may have replaced the junk icon with its own
+    EXPECT_EQ(garbageApp->activationPolicy(), ActivationPolicy::regular); // unreadable type counts as none
     EXPECT_FALSE(garbageApp->isHidden());
     EXPECT_EQ(latin1App->localizedName(), "Gr\xc3\xbc\xc3\x9f");
 
@@ -352,7 +366,8 @@ TEST_F(Backend, AccessibilityWindowsRolesAndSubroles)
     const int two = apps.startTestWindow("ax-two", {"--windows", "2", "--dialog"});
     const int utility = apps.startTestWindow("ax-utility", {"--type", "utility"});
     const int untypedTransient = apps.startTestWindow("ax-untyped", {"--type", "none", "--no-delete"});
-    ASSERT_TRUE(waitForWindowCount("ax-two", 3) && waitForWindowTitled("ax-utility") && waitForWindowTitled("ax-untyped"));
+    ASSERT_TRUE(waitForWindowCount("ax-two", 3) && waitForWindowTitled("ax-utility") &&
+                waitForWindowTitled("ax-untyped"));
 
     const auto windows = axWindows(p.accessibility, two);
     ASSERT_EQ(windows.size(), 3u);
@@ -436,7 +451,7 @@ TEST_F(Backend, VanishedWindowsAnswerInvalidElement)
     EXPECT_EQ(p.accessibility.setAttributeValue(windows[0], kAXMinimizedAttribute, true), kAXErrorInvalidUIElement);
     EXPECT_EQ(p.accessibility.performAction(std::get<AXElementRef>(button), kAXPressAction), kAXErrorInvalidUIElement);
     EXPECT_TRUE(axWindows(p.accessibility, app).empty());
-    EXPECT_TRUE(p.trust.isProcessTrusted(false));   // the connection is still fine
+    EXPECT_TRUE(p.trust.isProcessTrusted(false)); // the connection is still fine
 }
 
 TEST_F(Backend, WindowsComingAndGoingDuringWalks)
@@ -497,7 +512,8 @@ TEST_F(Backend, TerminateAsksPolitelyAndForceTerminateKills)
     const int term = apps.startXterm("term-polite");
     const int stubborn = apps.startTestWindow("term-nodelete", {"--no-delete"});
     const int victim = apps.startTestWindow("term-victim");
-    ASSERT_TRUE(waitForWindowTitled("term-polite") && waitForWindowTitled("term-nodelete") && waitForWindowTitled("term-victim"));
+    ASSERT_TRUE(waitForWindowTitled("term-polite") && waitForWindowTitled("term-nodelete") &&
+                waitForWindowTitled("term-victim"));
     auto termApp = appWithPid(p.workspace, term);
     auto stubbornApp = appWithPid(p.workspace, stubborn);
     auto victimApp = appWithPid(p.workspace, victim);
@@ -530,7 +546,7 @@ TEST_F(Backend, HelperProcessesBelongToTheirApp)
     ASSERT_TRUE(owner);
     EXPECT_EQ(owner->processIdentifier(), app);
     EXPECT_EQ(p.workspace.runningApplication(app)->processIdentifier(), app);
-    EXPECT_EQ(p.workspace.runningApplication(static_cast<int>(getpid())), nullptr);   // no window of ours
+    EXPECT_EQ(p.workspace.runningApplication(static_cast<int>(getpid())), nullptr); // no window of ours
     EXPECT_EQ(p.workspace.runningApplication(0), nullptr);
 }
 
@@ -581,7 +597,7 @@ TEST_F(Backend, MemoryCountersMatchProc)
     const int app = apps.startTestWindow("memory-app", {"--alloc-mb", "40"});
     ASSERT_TRUE(waitForWindowTitled("memory-app"));
     ProcessTable& table = p.processTable;
-    ASSERT_GT(table.listAllPids(nullptr, 0), 0);   // a new pass: fresh readings
+    ASSERT_GT(table.listAllPids(nullptr, 0), 0); // a new pass: fresh readings
     RusageInfo usage;
     ASSERT_EQ(table.pidRusage(app, usage), 0);
     const auto independent = footprintOf(app);

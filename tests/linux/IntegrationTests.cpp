@@ -1,12 +1,16 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // The real WindowMinimizer and AppModel over the Linux backend, on a private display with
 // real apps; every effect is checked from outside (xprop, wmctrl, /proc).
 
 #include "AppModel.h"
 #include "AppPreferences.h"
-#include "X11Platform.h"
 #include "OwnWindow.h"
 #include "TestBed.h"
 #include "WindowMinimizer.h"
+#include "X11Platform.h"
 #include "XdgAutostart.h"
 
 #include <gtest/gtest.h>
@@ -67,18 +71,21 @@ struct Desk {
         // it together with its parent: whatever happens to it is our doing.
         dialogApp = apps.startTestWindow("desk-main", {"--free-dialog", "--class", "deskmain", "DeskMain"});
         noDelete = apps.startTestWindow("desk-nodelete", {"--no-delete", "--class", "desknodelete", "DeskNoDelete"});
-        accessory = apps.startTestWindow("desk-accessory", {"--skip-taskbar", "--class", "deskaccessory", "DeskAccessory"});
-        const bool all = waitUntil([&] {
-            for (int i = 0; i < 3; ++i)
-                termWindow[i] = windowOfTitle("desk-term-" + std::to_string(i));
-            logoWindow = windowOfTitle("desk-logo");
-            mainWindow = windowOfTitle("desk-main");
-            dialogWindow = windowOfTitle("desk-main dialog");
-            noDeleteWindow = windowOfTitle("desk-nodelete");
-            accessoryWindow = windowOfTitle("desk-accessory");
-            return termWindow[0] && termWindow[1] && termWindow[2] && logoWindow && mainWindow && dialogWindow &&
-                   noDeleteWindow && accessoryWindow;
-        }, 20s);
+        accessory =
+            apps.startTestWindow("desk-accessory", {"--skip-taskbar", "--class", "deskaccessory", "DeskAccessory"});
+        const bool all = waitUntil(
+            [&] {
+                for (int i = 0; i < 3; ++i)
+                    termWindow[i] = windowOfTitle("desk-term-" + std::to_string(i));
+                logoWindow = windowOfTitle("desk-logo");
+                mainWindow = windowOfTitle("desk-main");
+                dialogWindow = windowOfTitle("desk-main dialog");
+                noDeleteWindow = windowOfTitle("desk-nodelete");
+                accessoryWindow = windowOfTitle("desk-accessory");
+                return termWindow[0] && termWindow[1] && termWindow[2] && logoWindow && mainWindow && dialogWindow &&
+                       noDeleteWindow && accessoryWindow;
+            },
+            20s);
         return all;
     }
     // Each test starts the same apps in the same order, so the X server hands the new
@@ -88,8 +95,8 @@ struct Desk {
     ~Desk()
     {
         apps.killAll();
-        const std::vector<std::uint32_t> mine{termWindow[0], termWindow[1],  termWindow[2],  logoWindow,
-                                              mainWindow,    dialogWindow, noDeleteWindow, accessoryWindow};
+        const std::vector<std::uint32_t> mine{termWindow[0], termWindow[1], termWindow[2],  logoWindow,
+                                              mainWindow,    dialogWindow,  noDeleteWindow, accessoryWindow};
         waitUntil([&] {
             for (const auto& listed : wmctrlWindows())
                 if (std::find(mine.begin(), mine.end(), listed.window) != mine.end())
@@ -148,7 +155,7 @@ TEST_F(Integration, CloseAllClosesWhatCanBeClosedPolitely)
     AppModel model(linux_.platform());
     const bool logoCloses = supportsDelete(desk.logoWindow);
     ASSERT_FALSE(supportsDelete(desk.noDeleteWindow));
-    const int expected = 3 + (logoCloses ? 1 : 0) + 1;   // terminals, xlogo, the dialog app's main window
+    const int expected = 3 + (logoCloses ? 1 : 0) + 1; // terminals, xlogo, the dialog app's main window
 
     model.closeAllWindows();
     EXPECT_EQ(model.lastResultMessage(), QStringLiteral("Closed %1 windows.").arg(expected));
@@ -248,9 +255,8 @@ TEST_F(Integration, WindowsVanishingDuringBulkActions)
     ASSERT_TRUE(waitForWindowTitled("desk-churn"));
     x11::X11Platform linux_;
     AppModel model(linux_.platform());
-    const QRegularExpression outcome(
-        QStringLiteral("^(Minimized \\d+ windows?\\.|No minimizable windows were found\\.|"
-                       "Accessibility call failed with code -25202\\.)$"));
+    const QRegularExpression outcome(QStringLiteral("^(Minimized \\d+ windows?\\.|No minimizable windows were found\\.|"
+                                                    "Accessibility call failed with code -25202\\.)$"));
     for (int round = 0; round < 40; ++round) {
         model.minimizeAllWindows();
         EXPECT_TRUE(outcome.match(model.lastResultMessage()).hasMatch()) << model.lastResultMessage().toStdString();
@@ -315,14 +321,15 @@ TEST(OpenApps, ListNamesStatesOrderAndMemory)
     ASSERT_TRUE(sharedDisplay().ok());
     Apps apps;
     const int big = apps.startTestWindow("open-big", {"--alloc-mb", "60", "--class", "bigapp", "BigApp"});
-    const int parent = apps.startTestWindow("open-parent",
-                                            {"--alloc-mb", "10", "--child-alloc-mb", "30", "--class", "parentapp", "ParentApp"});
+    const int parent = apps.startTestWindow(
+        "open-parent", {"--alloc-mb", "10", "--child-alloc-mb", "30", "--class", "parentapp", "ParentApp"});
     const int lower = apps.startTestWindow("open-lower", {"--class", "alpha", "alpha"});
     const int upper = apps.startTestWindow("open-upper", {"--class", "Zeta", "Zeta"});
     const int term1 = apps.startXterm("open-term-1");
     const int term2 = apps.startXterm("open-term-2");
     const int logo = apps.start({"xlogo", "-title", "open-logo"});
-    for (const char* t : {"open-big", "open-parent", "open-lower", "open-upper", "open-term-1", "open-term-2", "open-logo"})
+    for (const char* t :
+         {"open-big", "open-parent", "open-lower", "open-upper", "open-term-1", "open-term-2", "open-logo"})
         ASSERT_NE(waitForWindowTitled(t), 0u) << t;
     // The helper child must have touched its memory before we compare.
     ASSERT_TRUE(waitUntil([&] {
@@ -340,8 +347,10 @@ TEST(OpenApps, ListNamesStatesOrderAndMemory)
 
     // Which app each test pid is, and its id as the test set it up.
     const std::map<int, std::pair<std::string, std::string>> known = {
-        {big, {"BigApp", "BigApp"}},         {parent, {"ParentApp", "ParentApp"}},
-        {lower, {"alpha", "alpha"}},         {upper, {"Zeta", "Zeta"}},
+        {big, {"BigApp", "BigApp"}},
+        {parent, {"ParentApp", "ParentApp"}},
+        {lower, {"alpha", "alpha"}},
+        {upper, {"Zeta", "Zeta"}},
         {term1, {"Test Terminal", "org.stowly.TestTerminal"}},
         {term2, {"Test Terminal", "org.stowly.TestTerminal"}},
         {logo, {"XLogo", "XLogo"}},
@@ -380,17 +389,18 @@ TEST(OpenApps, ListNamesStatesOrderAndMemory)
                 continue;
             const auto owner = ownerId(pid);
             const std::string procName = lowered(info.name);
-            const bool belongs = (owner && lowered(*owner) == lowered(id)) || procName == n ||
-                                 procName.rfind(n + " helper", 0) == 0;
+            const bool belongs =
+                (owner && lowered(*owner) == lowered(id)) || procName == n || procName.rfind(n + " helper", 0) == 0;
             if (belongs)
                 expected += *info.memory;
         }
         ASSERT_TRUE(row.memoryBytes) << name;
         EXPECT_NEAR(static_cast<double>(*row.memoryBytes), static_cast<double>(expected), 0.1 * expected) << name;
     }
-    EXPECT_EQ(activeRows, active != 0 && std::any_of(list.begin(), list.end(), [](const RunningAppInfo& r) {
-                              return r.isActive;
-                          }) ? 1 : 0);
+    EXPECT_EQ(activeRows,
+              active != 0 && std::any_of(list.begin(), list.end(), [](const RunningAppInfo& r) { return r.isActive; })
+                  ? 1
+                  : 0);
     // Helper processes count for their app; both terminals carry all terminal processes.
     for (const RunningAppInfo& row : list) {
         if (row.id == parent) {
@@ -442,7 +452,8 @@ TEST(ModelSettings, LaunchAtLoginWritesAndRemovesTheAutostartEntry)
         AppModel model(linux_.platform());
         EXPECT_TRUE(model.launchesAtLogin()) << "read back at start";
         model.setLaunchAtLogin(false);
-        EXPECT_EQ(model.lastResultMessage(), QStringLiteral("Stowly will no longer launch automatically when you sign in."));
+        EXPECT_EQ(model.lastResultMessage(),
+                  QStringLiteral("Stowly will no longer launch automatically when you sign in."));
         EXPECT_FALSE(model.launchesAtLogin());
         EXPECT_NE(stat(path.c_str(), &st), 0);
     }
@@ -471,15 +482,15 @@ namespace {
     for (std::size_t i = 0; i < kept.size(); ++i) {
         const RunningAppInfo& a = kept[i];
         const RunningAppInfo& b = fresh[i];
-        const bool sameIcon = (!a.icon && !b.icon)
-            || (a.icon && b.icon && a.icon->width == b.icon->width && a.icon->argb == b.icon->argb);
-        if (a.id != b.id || a.name != b.name || a.isHidden != b.isHidden || a.isActive != b.isActive || !sameIcon
-            || a.memoryBytes != b.memoryBytes)
+        const bool sameIcon = (!a.icon && !b.icon) ||
+                              (a.icon && b.icon && a.icon->width == b.icon->width && a.icon->argb == b.icon->argb);
+        if (a.id != b.id || a.name != b.name || a.isHidden != b.isHidden || a.isActive != b.isActive || !sameIcon ||
+            a.memoryBytes != b.memoryBytes)
             return ::testing::AssertionFailure()
-                << "row " << i << ": " << a.id << " " << a.name.toStdString() << " " << a.status().toStdString() << " "
-                << a.memoryBytes.value_or(0) << (a.icon ? " icon" : "") << " against " << b.id << " "
-                << b.name.toStdString() << " " << b.status().toStdString() << " " << b.memoryBytes.value_or(0)
-                << (b.icon ? " icon" : "");
+                   << "row " << i << ": " << a.id << " " << a.name.toStdString() << " " << a.status().toStdString()
+                   << " " << a.memoryBytes.value_or(0) << (a.icon ? " icon" : "") << " against " << b.id << " "
+                   << b.name.toStdString() << " " << b.status().toStdString() << " " << b.memoryBytes.value_or(0)
+                   << (b.icon ? " icon" : "");
     }
     return ::testing::AssertionSuccess();
 }
@@ -523,7 +534,8 @@ TEST(OpenApps, EveryTickEqualsAFreshReadAsTheDesktopChanges)
     ASSERT_TRUE(waitUntil([] { return isIconic(windowOfTitle("tick-second")); }));
     EXPECT_TRUE(tickEqualsFreshRead(model)) << "after a minimize";
     const auto listed = model.runningApps();
-    const auto firstRow = std::find_if(listed.begin(), listed.end(), [&](const RunningAppInfo& r) { return r.id == first; });
+    const auto firstRow =
+        std::find_if(listed.begin(), listed.end(), [&](const RunningAppInfo& r) { return r.id == first; });
     ASSERT_NE(firstRow, listed.end());
     model.openApp(*firstRow);
     EXPECT_TRUE(tickEqualsFreshRead(model)) << "after an activation";

@@ -1,9 +1,13 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // Figures, not assertions: what one refresh costs on the test bed.
 
 #include "AppModel.h"
-#include "X11Platform.h"
 #include "TestBed.h"
 #include "WindowMinimizer.h"
+#include "X11Platform.h"
 #include "XConnection.h"
 
 #include <gtest/gtest.h>
@@ -44,8 +48,9 @@ TEST(Measure, RefreshCost)
     for (int i = 0; i < 6; ++i)
         apps.startXterm("measure-term-" + std::to_string(i));
     for (int i = 0; i < 6; ++i)
-        apps.startTestWindow("measure-win-" + std::to_string(i), {"--windows", "3", "--icon", "48", "--class",
-                                                                  "measure" + std::to_string(i), "Measure" + std::to_string(i)});
+        apps.startTestWindow("measure-win-" + std::to_string(i),
+                             {"--windows", "3", "--icon", "48", "--class", "measure" + std::to_string(i),
+                              "Measure" + std::to_string(i)});
     apps.start({"xlogo", "-title", "measure-logo"});
     ASSERT_TRUE(waitForWindowCount("measure-", 6 + 18 + 1, 30s));
 

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // The preference file as users and crashes leave it: garbage values, a cut-off file, bytes
 // that are not text, a path that cannot be read. The real QSettings store with the core's
 // readers: unreadable values give the defaults, and a write keeps every other key.
@@ -119,7 +123,7 @@ TEST_F(PreferenceFile, ReadingGarbageNeverRewritesTheFile)
     {
         Store store;
         EXPECT_EQ(AppPreferences::preferredDefaultAction(store), DefaultAction::minimize);
-        EXPECT_TRUE(ActionSettings::enabledActions(store).empty());   // text with unknown items only
+        EXPECT_TRUE(ActionSettings::enabledActions(store).empty()); // text with unknown items only
         EXPECT_TRUE(ActionSettings::pickerItems(store).empty());
     }
     EXPECT_EQ(fileBytes(), garbage);
@@ -135,11 +139,12 @@ TEST_F(PreferenceFile, ChangingOneSettingKeepsEveryOtherKey)
               "[Experiments]\n"
               "note=kept as written\n");
     Store store;
-    ActionSettings::toggleAction(store, DefaultAction::hide, true);   // switch Hide off
+    ActionSettings::toggleAction(store, DefaultAction::hide, true); // switch Hide off
 
     EXPECT_EQ(ActionSettings::enabledActions(store),
               (ActionSet{DefaultAction::minimize, DefaultAction::closeWindows, DefaultAction::forceQuit}));
-    EXPECT_EQ(valueInFile(QStringLiteral("enabledActions")).toString(), QStringLiteral("closeWindows,forceQuit,minimize"));
+    EXPECT_EQ(valueInFile(QStringLiteral("enabledActions")).toString(),
+              QStringLiteral("closeWindows,forceQuit,minimize"));
     // The unreadable default action was not the one changed: its key stays, still unreadable
     // (QSettings writes back what it could not load as @Invalid()), so readers keep the default.
     EXPECT_TRUE(fileBytes().contains("\ndefaultAction=@"));
@@ -185,7 +190,7 @@ TEST_F(PreferenceFile, BinaryJunkAndABrokenSectionStillLeaveTheGoodKeys)
     writeFile(junk);
     Store store;
     EXPECT_EQ(AppPreferences::preferredDefaultAction(store), DefaultAction::closeWindows);
-    EXPECT_EQ(ActionSettings::enabledActions(store), kAllActions);   // absent: the default
+    EXPECT_EQ(ActionSettings::enabledActions(store), kAllActions); // absent: the default
     ActionSettings::toggleAction(store, DefaultAction::minimize, true);
     EXPECT_EQ(ActionSettings::enabledActions(store),
               (ActionSet{DefaultAction::hide, DefaultAction::closeWindows, DefaultAction::forceQuit}));
@@ -206,7 +211,7 @@ TEST_F(PreferenceFile, AFolderWhereTheFileShouldBeGivesDefaultsAndSurvivesAWrite
     Store store;
     EXPECT_EQ(AppPreferences::preferredDefaultAction(store), DefaultAction::minimize);
     EXPECT_EQ(ActionSettings::enabledActions(store), kAllActions);
-    ActionSettings::setPickerSelection(store, DefaultAction::hide);   // cannot be saved
+    ActionSettings::setPickerSelection(store, DefaultAction::hide); // cannot be saved
     EXPECT_TRUE(QFileInfo(path() + QStringLiteral("/inside")).isDir());
     EXPECT_EQ(ActionSettings::enabledActions(store), kAllActions);
 }

@@ -1,12 +1,16 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // Signals only ever reach the process the user meant: never Stowly, its parent, the
 // leaders of its group and session, another user's processes, or a process that took
 // over the pid of the one listed. Checked on real processes and, where the decision
 // alone matters, on made-up ones.
 
-#include "X11Platform.h"
 #include "ProcStat.h"
 #include "ProcessSignals.h"
 #include "TestBed.h"
+#include "X11Platform.h"
 #include "XConnection.h"
 #include "core/WindowMinimizer.h"
 
@@ -101,11 +105,11 @@ TEST(ProcStat, ParsesNamesWithSpacesAndParentheses)
 
 TEST(ProcStat, RefusesWhatIsNotAStatLine)
 {
-    for (const char* text : {"", "(", "12 (x", "12 (x) S", "12 (x) S 1 2 3 4 5", "x (y) S 1 2 3",
-                             "0 (x) S 1 1 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 5",
-                             "12 (x) S 1 1 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 99999999999999999999999",
-                             "12 (x) S 1  1 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 5",
-                             "99999999999 (x) S 1 1 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 5"})
+    for (const char* text :
+         {"", "(", "12 (x", "12 (x) S", "12 (x) S 1 2 3 4 5", "x (y) S 1 2 3",
+          "0 (x) S 1 1 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 5",
+          "12 (x) S 1 1 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 99999999999999999999999",
+          "12 (x) S 1  1 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 5", "99999999999 (x) S 1 1 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 5"})
         EXPECT_FALSE(linuxdesktop::parseProcStat(text)) << text;
     EXPECT_TRUE(linuxdesktop::parseProcStat("12 (x) S 1 1 1 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 5"));
 }
@@ -144,7 +148,7 @@ TEST(SignalJudgement, RefusesEveryoneButTheListedProcessOfOurUser)
     EXPECT_EQ(linuxdesktop::judgeSignalTarget(me, targetOf(900, 77, 1000, 'Z'), 77), SignalVerdict::gone);
 
     linuxdesktop::SignalTarget setuidTarget = targetOf(900, 77, 1000);
-    setuidTarget.effectiveUid = 0;   // ours by real uid, root by effective uid
+    setuidTarget.effectiveUid = 0; // ours by real uid, root by effective uid
     EXPECT_EQ(linuxdesktop::judgeSignalTarget(me, setuidTarget, 77), SignalVerdict::otherUser);
     linuxdesktop::SignalTarget unknownOwner = targetOf(900, 77, 1000);
     unknownOwner.realUid.reset();
@@ -210,9 +214,9 @@ TEST(LyingWindows, AWindowClaimingSomeoneElsesPidNeverGetsThemSignalled)
 
     for (const auto& [title, pid] : claims) {
         const RunningApplicationRef app = listed(p.workspace, pid);
-        ASSERT_TRUE(app) << title;   // the lie is believed: only the guard stands in the way
+        ASSERT_TRUE(app) << title; // the lie is believed: only the guard stands in the way
         EXPECT_FALSE(app->forceTerminate()) << title;
-        EXPECT_FALSE(app->terminate()) << title;   // no window to close, and no SIGTERM
+        EXPECT_FALSE(app->terminate()) << title; // no window to close, and no SIGTERM
     }
     // The bulk path as the panel runs it: every listed app is a target, the liars included.
     WindowMinimizer minimizer(p.workspace, p.accessibility, p.processTable);
@@ -222,7 +226,7 @@ TEST(LyingWindows, AWindowClaimingSomeoneElsesPidNeverGetsThemSignalled)
 
     EXPECT_TRUE(waitUntil([&] { return processGone(honest); }));
     for (const int liar : liars)
-        EXPECT_FALSE(processGone(liar));   // they claimed another pid: never targets themselves
+        EXPECT_FALSE(processGone(liar)); // they claimed another pid: never targets themselves
     if (other > 0) {
         EXPECT_FALSE(processGone(other));
         testbed::kill(other);

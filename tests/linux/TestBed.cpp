@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "TestBed.h"
 
 #include <dirent.h>
@@ -28,7 +32,6 @@ std::set<int>& reaped()
 }
 
 Dirs g_dirs;
-
 
 } // namespace
 
@@ -185,8 +188,8 @@ Display::Display(bool withWindowManager, const std::vector<std::string>& serverO
             const int null = open("/dev/null", O_WRONLY);
             dup2(null, 1);
             dup2(null, 2);
-            std::vector<std::string> args = {"Xvfb",   display, "-displayfd", fd, "-nolisten", "tcp",
-                                             "-screen", "0",     "1280x800x24"};
+            std::vector<std::string> args = {"Xvfb", display,   "-displayfd", fd,           "-nolisten",
+                                             "tcp",  "-screen", "0",          "1280x800x24"};
             args.insert(args.end(), serverOptions.begin(), serverOptions.end());
             std::vector<char*> argv;
             for (auto& a : args)
@@ -306,7 +309,7 @@ std::vector<WmctrlWindow> wmctrlWindows(const std::string& display)
         std::istringstream fields(line);
         WmctrlWindow w;
         std::string desktop, host;
-        long long pid = 0;   // a client may put any number there
+        long long pid = 0; // a client may put any number there
         if (!(fields >> w.id >> desktop >> pid >> host))
             continue;
         w.pid = pid > 0 && pid <= 0x7fffffff ? static_cast<int>(pid) : 0;

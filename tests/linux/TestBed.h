@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 // A private X display for the backend tests: Xvfb on a display number it picks itself,
@@ -73,9 +77,9 @@ std::string testWindowProgram();
 // ---- Looking at the display from outside our code --------------------------------
 
 struct WmctrlWindow {
-    std::string id;       // hex, as wmctrl prints it
+    std::string id; // hex, as wmctrl prints it
     std::uint32_t window = 0;
-    int pid = 0;          // _NET_WM_PID or 0
+    int pid = 0; // _NET_WM_PID or 0
     std::string title;
 };
 // wmctrl -lp: the managed windows in client-list order.
@@ -83,7 +87,7 @@ std::vector<WmctrlWindow> wmctrlWindows(const std::string& display = {});
 // xprop -id W -notype PROP: the raw line, empty when unset.
 std::string xprop(std::uint32_t window, const std::string& property, const std::string& display = {});
 std::string xpropRoot(const std::string& property, const std::string& display = {});
-bool isIconic(std::uint32_t window);   // ICCCM WM_STATE says Iconic
+bool isIconic(std::uint32_t window); // ICCCM WM_STATE says Iconic
 std::uint32_t activeWindow();
 
 // Apps a test started, ended when the owner goes away.

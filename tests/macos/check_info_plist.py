@@ -1,3 +1,7 @@
+# SPDX-FileCopyrightText: 2026 The Stowly developers
+#
+# SPDX-License-Identifier: MIT
+
 """Reads the filled-in Info.plist of the app bundle and checks what the bundle relies on:
 a menu-bar-only app (LSUIElement), its identifier and icon, macOS 13, and no template
 variable left unfilled."""

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 // A real AppModel on the fake platform, with the views the program shows, rendered
@@ -26,8 +30,8 @@ public:
 
     fakes::FakePlatform fake;
     NotifyingPreferenceStore preferences{fake.preferences};
-    Platform platform{fake.workspace, fake.accessibility, fake.trust, fake.processTable,
-                      fake.loginItems, fake.urlOpener, preferences, fake.accessSettings};
+    Platform platform{fake.workspace,  fake.accessibility, fake.trust,  fake.processTable,
+                      fake.loginItems, fake.urlOpener,     preferences, fake.accessSettings};
 
     // A regular app with one standard window and a process of the given footprint.
     fakes::FakeAppRef addApp(std::int32_t pid, const std::string& name, std::uint64_t footprint = 1 << 20);
@@ -39,8 +43,8 @@ public:
     AppModel& model() { return *m_model; }
     StowlyViews& views() { return *m_views; }
 
-    QQuickView& panel();      // shown and exposed
-    QQuickView& settings();   // shown and exposed
+    QQuickView& panel();    // shown and exposed
+    QQuickView& settings(); // shown and exposed
 
     static QQuickItem* find(QQuickView& view, const QString& objectName);
     static QQuickItem* findIn(QQuickItem* root, const QString& objectName);

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // What assistive technology gets from the views: every text readable under its own words,
 // every control named by its visible text (icon-only ones by a clear name) and working
 // through its accessible press action, disabled ones doing nothing. The offscreen platform
@@ -56,7 +60,10 @@ private slots:
         ui.addApp(101, "Notes")->hidden = true;
         ui.start();
         QQuickView& view = ui.panel();
-        const struct { const char* object; QString name; } expected[] = {
+        const struct {
+            const char* object;
+            QString name;
+        } expected[] = {
             {"titleText", QStringLiteral("Stowly")},
             {"resultText", ui.model().lastResultMessage()},
             {"accessWarning", QStringLiteral("Accessibility access required. Grant it in Settings.")},
@@ -67,10 +74,12 @@ private slots:
 
         QQuickItem* notes = row(view, 0);
         QVERIFY(notes);
-        const QString statusLine = UiFixture::findIn(notes, QStringLiteral("rowStatusLine"))->property("text").toString();
+        const QString statusLine =
+            UiFixture::findIn(notes, QStringLiteral("rowStatusLine"))->property("text").toString();
         // Read as "name, status, RAM: figure": the bullet becomes a pause.
         QVERIFY(statusLine.startsWith(QStringLiteral("Hidden \u2022 RAM: ")));
-        QCOMPARE(nameOf(notes), QStringLiteral("Notes, Hidden, RAM: ") + statusLine.section(QStringLiteral("RAM: "), 1));
+        QCOMPARE(nameOf(notes),
+                 QStringLiteral("Notes, Hidden, RAM: ") + statusLine.section(QStringLiteral("RAM: "), 1));
         QCOMPARE(nameOf(UiFixture::findIn(notes, QStringLiteral("rowName"))), QStringLiteral("Notes"));
         QCOMPARE(nameOf(UiFixture::findIn(notes, QStringLiteral("rowStatusLine"))), statusLine);
         QCOMPARE(nameOf(UiFixture::findIn(notes, QStringLiteral("rowBadgeText"))), QStringLiteral("Hidden"));
@@ -81,7 +90,8 @@ private slots:
         UiFixture ui;
         ui.start();
         QQuickView& view = ui.panel();
-        QCOMPARE(nameOf(ui.find(view, QStringLiteral("noAppsText"))), QStringLiteral("No regular apps are currently open."));
+        QCOMPARE(nameOf(ui.find(view, QStringLiteral("noAppsText"))),
+                 QStringLiteral("No regular apps are currently open."));
     }
 
     void panelControlsArePressable()
@@ -173,7 +183,7 @@ private slots:
             tick();
         QCOMPARE(announcements.count(), 1);
 
-        ui.model().refreshPermissionStatus();   // a different sentence
+        ui.model().refreshPermissionStatus(); // a different sentence
         UiFixture::settle();
         QCOMPARE(announcements.count(), 2);
     }
@@ -212,7 +222,10 @@ private slots:
         ui.fake.trust.trusted = false;
         ui.start();
         QQuickView& view = ui.settings();
-        const struct { const char* object; const char* name; } expected[] = {
+        const struct {
+            const char* object;
+            const char* name;
+        } expected[] = {
             {"primaryActionHeading", "Primary action"},
             {"appliedFromMenuBar", "Applied from the menu bar"},
             {"actionsIntro",

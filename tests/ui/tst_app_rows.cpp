@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // The open-apps rows, their icons, badges and menus, and the action tiles' own drawing.
 #include "AppIconCache.h"
 #include "AppIconImageProvider.h"
@@ -75,7 +79,7 @@ private slots:
     {
         UiFixture ui;
         fakes::FakeAppRef app = ui.fake.workspace.addApp(101, std::string("Notes"));
-        app->bundleId = "org.example.notes";   // no process of its own: memory unknown
+        app->bundleId = "org.example.notes"; // no process of its own: memory unknown
         ui.start();
         QQuickView& view = ui.panel();
         QQuickItem* notes = row(view, QStringLiteral("Notes"));
@@ -99,7 +103,11 @@ private slots:
         ui.addApp(103, "Other App");
         ui.start();
         QQuickView& view = ui.panel();
-        const struct { const char* name; const char* status; QColor color; } expected[] = {
+        const struct {
+            const char* name;
+            const char* status;
+            QColor color;
+        } expected[] = {
             {"Hidden App", "Hidden", ColorScheme::light().orange},
             {"Front App", "Active", ColorScheme::light().green},
             {"Other App", "Open", ColorScheme::light().secondary},
@@ -151,7 +159,7 @@ private slots:
         QVERIFY(image->isVisible());
         QVERIFY(!part(r, "appIconPlaceholder")->isVisible());
         QVERIFY(image->property("source").toUrl().toString().startsWith(QStringLiteral("image://appicon/101-")));
-        QTRY_COMPARE(image->property("status").toInt(), 1);   // Image.Ready
+        QTRY_COMPARE(image->property("status").toInt(), 1); // Image.Ready
     }
 
     void iconPixelsAreTakenUnpremultipliedAndClippedRound()
@@ -162,12 +170,13 @@ private slots:
         QVERIFY(url.startsWith(QStringLiteral("image://appicon/7-")));
         AppIconImageProvider provider(cache);
         QSize size;
-        const QImage image = provider.requestImage(url.mid(QStringLiteral("image://appicon/").size()), &size, QSize(48, 48));
+        const QImage image =
+            provider.requestImage(url.mid(QStringLiteral("image://appicon/").size()), &size, QSize(48, 48));
         QCOMPARE(size, QSize(48, 48));
         const QColor centre = image.pixelColor(24, 24);
         QCOMPARE(centre.red(), 255);
         QCOMPARE(centre.alpha(), 128);
-        QCOMPARE(image.pixelColor(0, 0).alpha(), 0);   // the rounded corner
+        QCOMPARE(image.pixelColor(0, 0).alpha(), 0); // the rounded corner
         QVERIFY(cache->url(8).isEmpty());
     }
 
@@ -178,7 +187,8 @@ private slots:
         ui.addApp(102, "Short", 1);
         ui.start();
         QQuickView& view = ui.panel();
-        QQuickItem* longRow = row(view, QStringLiteral("An Application With A Remarkably Long Name That Cannot Fit On One Line"));
+        QQuickItem* longRow =
+            row(view, QStringLiteral("An Application With A Remarkably Long Name That Cannot Fit On One Line"));
         QQuickItem* shortRow = row(view, QStringLiteral("Short"));
         QQuickItem* name = part(longRow, "rowName");
         QVERIFY(name->property("truncated").toBool());
@@ -228,7 +238,8 @@ private slots:
         QCOMPARE(left(line), left(name));
         QCOMPARE(line->mapToScene(QPointF(0, 0)).y() - name->mapToScene(QPointF(0, name->height())).y(), 2.0);
         // 2 above and below; every child on the row's centre line.
-        QCOMPARE(r->height(), std::max({24.0, name->height() + 2 + line->height(), badge->height(), menu->height()}) + 4);
+        QCOMPARE(r->height(),
+                 std::max({24.0, name->height() + 2 + line->height(), badge->height(), menu->height()}) + 4);
         for (QQuickItem* item : {icon, badge, menu})
             QVERIFY(qAbs(middle(item) - middle(r)) <= 0.5);
         // The badge: 8 either side of its text, 4 above and below, a capsule tinted 0.14.
@@ -247,7 +258,8 @@ private slots:
         QCOMPARE(line->property("font").value<QFont>().pixelSize(), theme.captionSize);
         QCOMPARE(line->property("color").value<QColor>(), ColorScheme::light().secondary);
         QCOMPARE(name->property("maximumLineCount").toInt(), 1);
-        QCOMPARE(part(r, "rowMenuButton")->findChild<QObject*>(QStringLiteral("rowMenu"))->property("count").toInt(), 3);
+        QCOMPARE(part(r, "rowMenuButton")->findChild<QObject*>(QStringLiteral("rowMenu"))->property("count").toInt(),
+                 3);
     }
 
     void menuEntriesCallTheModelForTheRowsApp()
@@ -262,7 +274,8 @@ private slots:
         QStringList entries;
         for (const char* name : {"rowMenuOpen", "rowMenuCloseApp", "rowMenuForceQuit"})
             entries.append(menu->findChild<QQuickItem*>(QLatin1String(name))->property("text").toString());
-        QCOMPARE(entries, (QStringList{QStringLiteral("Open"), QStringLiteral("Close App"), QStringLiteral("Force Quit")}));
+        QCOMPARE(entries,
+                 (QStringList{QStringLiteral("Open"), QStringLiteral("Close App"), QStringLiteral("Force Quit")}));
 
         chooseFromMenu(ui, view, row(view, QStringLiteral("Notes")), "rowMenuOpen");
         QCOMPARE(notes->activateCalls.size(), std::size_t(1));
@@ -287,7 +300,7 @@ private slots:
         RunningAppsListModel& list = ui.views().openApps();
         QCOMPARE(list.count(), 2);
         QCOMPARE(list.data(list.index(0), RunningAppsListModel::NameRole).toString(), QStringLiteral("Large"));
-        ui.fake.workspace.apps.erase(ui.fake.workspace.apps.begin() + 1);   // Large quits
+        ui.fake.workspace.apps.erase(ui.fake.workspace.apps.begin() + 1); // Large quits
         ui.addApp(103, "New", 4 << 20);
         ui.model().refreshRunningApps();
         QCOMPARE(list.count(), 2);
@@ -303,9 +316,11 @@ private slots:
         window.resize(200, 300);
         QQmlComponent component(&ui.views().engine(), StowlyViews::viewUrl(QStringLiteral("MenuActionButton.qml")));
         QVariantMap action{{QStringLiteral("rawValue"), QStringLiteral("minimize")},
-                           {QStringLiteral("title"), QStringLiteral("A title far too long for a narrow tile to hold on one line or two")},
+                           {QStringLiteral("title"),
+                            QStringLiteral("A title far too long for a narrow tile to hold on one line or two")},
                            {QStringLiteral("systemImage"), QStringLiteral("macwindow.badge.minus")}};
-        std::unique_ptr<QObject> object(component.createWithInitialProperties({{QStringLiteral("bulkAction"), action}}));
+        std::unique_ptr<QObject> object(
+            component.createWithInitialProperties({{QStringLiteral("bulkAction"), action}}));
         QVERIFY2(object, qPrintable(component.errorString()));
         auto* tile = qobject_cast<QQuickItem*>(object.get());
         tile->setParentItem(window.contentItem());

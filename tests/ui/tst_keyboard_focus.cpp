@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // The views driven from the keyboard alone, and the colour and layout finish that goes with it:
 // focus order, Space / Enter / menu key, Escape, disabled tiles, badge tint, overlay scroll bar,
 // the scrolling settings window and the contrast of the coloured texts.
@@ -22,9 +26,7 @@ namespace {
 // WCAG 2 relative luminance of an opaque colour.
 double luminance(const QColor& c)
 {
-    const auto channel = [](double v) {
-        return v <= 0.03928 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
-    };
+    const auto channel = [](double v) { return v <= 0.03928 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4); };
     return 0.2126 * channel(c.redF()) + 0.7152 * channel(c.greenF()) + 0.0722 * channel(c.blueF());
 }
 
@@ -81,7 +83,9 @@ private slots:
         QCOMPARE(QQmlProperty::read(ring, QStringLiteral("border.width")).toInt(), 2);
         QCOMPARE(QQmlProperty::read(ring, QStringLiteral("border.color")).value<QColor>(), ColorScheme::light().accent);
         QQuickItem* other = ui.find(view, QStringLiteral("actionTile_hide"));
-        QCOMPARE(QQmlProperty::read(ui.findIn(other, QStringLiteral("tileBackground")), QStringLiteral("border.width")).toInt(), 0);
+        QCOMPARE(QQmlProperty::read(ui.findIn(other, QStringLiteral("tileBackground")), QStringLiteral("border.width"))
+                     .toInt(),
+                 0);
     }
 
     void tabWalksTilesRowMenusAndFooterInReadingOrder()
@@ -96,8 +100,9 @@ private slots:
         QTRY_COMPARE(focusName(view), QStringLiteral("actionTile_minimize"));
 
         const QStringList order = {
-            "actionTile_minimize", "actionTile_hide", "actionTile_closeWindows", "actionTile_forceQuit",
-            "rowMenuButton", "rowMenuButton", "settingsButton", "refreshButton", "quitButton",
+            "actionTile_minimize",  "actionTile_hide", "actionTile_closeWindows",
+            "actionTile_forceQuit", "rowMenuButton",   "rowMenuButton",
+            "settingsButton",       "refreshButton",   "quitButton",
         };
         QList<QQuickItem*> seen{focused(view)};
         for (int i = 1; i < order.size(); ++i) {
@@ -117,7 +122,7 @@ private slots:
     void disabledTileTakesNoFocusAndIgnoresSpaceAndEnter()
     {
         UiFixture ui;
-        ui.fake.trust.trusted = false;   // minimize and close windows need access
+        ui.fake.trust.trusted = false; // minimize and close windows need access
         ui.addApp(101, "Notes");
         ui.start();
         QQuickView& view = ui.panel();
@@ -270,8 +275,10 @@ private slots:
             ++rowsSeen;
             ui.settle();
             const qreal top = item->mapToItem(list, QPointF(0, 0)).y();
-            QVERIFY2(top >= 0 && top + item->height() <= list->height(),
-                     qPrintable(QStringLiteral("row %1 menu at %2 in a %3-point list").arg(rowsSeen).arg(top).arg(list->height())));
+            QVERIFY2(
+                top >= 0 && top + item->height() <= list->height(),
+                qPrintable(
+                    QStringLiteral("row %1 menu at %2 in a %3-point list").arg(rowsSeen).arg(top).arg(list->height())));
             deepest = std::max(deepest, list->property("contentY").toReal());
         }
         QCOMPARE(rowsSeen, 12);

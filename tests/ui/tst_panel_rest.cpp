@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // What the panel costs while it is closed: no view-model signals and no icon conversion on
 // the model's refreshes, its view destroyed and its rows and icons dropped a moment after
 // it closed, and an icon cache that never holds more than the listed apps.
@@ -29,21 +33,21 @@ AppIconRef squareIcon(std::uint32_t colour)
 // Every signal a view could react to, from both view models of the panel.
 struct ViewModelSpies {
     explicit ViewModelSpies(StowlyViews& views)
-        : inserted(&views.openApps(), &QAbstractItemModel::rowsInserted)
-        , removed(&views.openApps(), &QAbstractItemModel::rowsRemoved)
-        , moved(&views.openApps(), &QAbstractItemModel::rowsMoved)
-        , changed(&views.openApps(), &QAbstractItemModel::dataChanged)
-        , reset(&views.openApps(), &QAbstractItemModel::modelReset)
-        , count(&views.openApps(), &RunningAppsListModel::countChanged)
-        , availability(&views.panel(), &PanelViewModel::availabilityChanged)
-        , message(&views.panel(), &PanelViewModel::resultMessageChanged)
-        , actions(&views.panel(), &PanelViewModel::actionsChanged)
+        : inserted(&views.openApps(), &QAbstractItemModel::rowsInserted),
+          removed(&views.openApps(), &QAbstractItemModel::rowsRemoved),
+          moved(&views.openApps(), &QAbstractItemModel::rowsMoved),
+          changed(&views.openApps(), &QAbstractItemModel::dataChanged),
+          reset(&views.openApps(), &QAbstractItemModel::modelReset),
+          count(&views.openApps(), &RunningAppsListModel::countChanged),
+          availability(&views.panel(), &PanelViewModel::availabilityChanged),
+          message(&views.panel(), &PanelViewModel::resultMessageChanged),
+          actions(&views.panel(), &PanelViewModel::actionsChanged)
     {
     }
     int total() const
     {
-        return int(inserted.size() + removed.size() + moved.size() + changed.size() + reset.size() + count.size()
-                   + availability.size() + message.size() + actions.size());
+        return int(inserted.size() + removed.size() + moved.size() + changed.size() + reset.size() + count.size() +
+                   availability.size() + message.size() + actions.size());
     }
     QSignalSpy inserted, removed, moved, changed, reset, count, availability, message, actions;
 };
@@ -61,7 +65,7 @@ private slots:
         ui.addApp(502, "Beta")->iconImage = squareIcon(0xff996633);
         ui.start();
         TrayController tray(ui.views());
-        QVERIFY(!tray.panelWindow().hasView());   // nothing of the panel exists before it opens
+        QVERIFY(!tray.panelWindow().hasView()); // nothing of the panel exists before it opens
 
         ViewModelSpies spies(ui.views());
         // Memory changes, an app arrives, another leaves, the message changes: all while closed.
@@ -105,7 +109,7 @@ private slots:
         QCOMPARE(ui.views().openApps().count(), 1);
 
         panel.hide();
-        QVERIFY(panel.hasView());   // kept a moment for a quick reopen
+        QVERIFY(panel.hasView()); // kept a moment for a quick reopen
         QVERIFY(released.wait(2000));
         QVERIFY(!panel.hasView());
         QCOMPARE(ui.views().openApps().count(), 0);

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // The panel: title, result line, access warning, action grid, open-apps section, footer.
 #include "PanelViewModel.h"
 #include "RunningAppsListModel.h"
@@ -65,7 +69,8 @@ private slots:
         QCOMPARE(font("titleText").weight(), QFont::DemiBold);
         QCOMPARE(font("resultText").pixelSize(), theme.subheadlineSize);
         QCOMPARE(color("resultText"), ColorScheme::light().secondary);
-        QCOMPARE(UiFixture::find(view, QStringLiteral("resultText"))->property("textFormat").toInt(), int(Qt::PlainText));
+        QCOMPARE(UiFixture::find(view, QStringLiteral("resultText"))->property("textFormat").toInt(),
+                 int(Qt::PlainText));
         QCOMPARE(font("openAppsHeading").pixelSize(), theme.subheadlineSize);
         QCOMPARE(font("openAppsHeading").weight(), QFont::DemiBold);
         QCOMPARE(font("noAppsText").pixelSize(), theme.footnoteSize);
@@ -310,7 +315,8 @@ private slots:
         QCOMPARE(notes->hideCalls, 1);
         QCOMPARE(mail->hideCalls, 1);
         QCOMPARE(ui.model().lastResultMessage(), QStringLiteral("Hid 2 apps."));
-        QCOMPARE(ui.find(view, QStringLiteral("resultText"))->property("text").toString(), QStringLiteral("Hid 2 apps."));
+        QCOMPARE(ui.find(view, QStringLiteral("resultText"))->property("text").toString(),
+                 QStringLiteral("Hid 2 apps."));
 
         ui.click(view, ui.find(view, QStringLiteral("actionTile_minimize")));
         QCOMPARE(ui.model().lastResultMessage(), QStringLiteral("Minimized 2 windows."));

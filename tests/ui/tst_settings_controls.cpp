@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // ActionOptionCard, CheckboxRow and CheckboxIndicator on their own.
 #include "Theme.h"
 #include "UiFixture.h"
@@ -208,8 +212,9 @@ private slots:
         UiFixture ui;
         ui.start();
         Hosted shortRow = host(ui, "CheckboxRow.qml", {{"title", "Title"}, {"subtitle", "Short"}}, 400);
-        Hosted longRow = host(ui, "CheckboxRow.qml",
-                              {{"title", "Title"}, {"subtitle", QStringLiteral("Words that wrap. ").repeated(20)}}, 400);
+        Hosted longRow =
+            host(ui, "CheckboxRow.qml",
+                 {{"title", "Title"}, {"subtitle", QStringLiteral("Words that wrap. ").repeated(20)}}, 400);
         QQuickItem* subtitle = UiFixture::findIn(longRow.item, QStringLiteral("checkboxRowSubtitle"));
         QVERIFY(subtitle->property("lineCount").toInt() > 2);
         QVERIFY(!subtitle->property("truncated").toBool());

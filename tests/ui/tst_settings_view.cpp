@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // The settings window: cards and what each click stores, the picker, the summary box,
 // the startup rows and the accessibility section.
 #include "SettingsViewModel.h"
@@ -54,7 +58,8 @@ private slots:
                                 "Your selections save automatically."));
         QCOMPARE(text(view, "startupHeading"), QStringLiteral("Startup"));
         QCOMPARE(text(view, "accessibilityHeading"), QStringLiteral("Accessibility"));
-        QCOMPARE(ui.find(view, QStringLiteral("primaryActionHeading"))->property("font").value<QFont>().pixelSize(), 20);
+        QCOMPARE(ui.find(view, QStringLiteral("primaryActionHeading"))->property("font").value<QFont>().pixelSize(),
+                 20);
         const QStringList titles{QStringLiteral("Minimize"), QStringLiteral("Hide"), QStringLiteral("Close Windows"),
                                  QStringLiteral("Force Quit")};
         qreal previousX = -1;
@@ -80,7 +85,7 @@ private slots:
         QCOMPARE(pickerItems(view), (QStringList{"Close Windows", "Force Quit", "Hide", "Minimize"}));
         QCOMPARE(text(view, "defaultSummaryTitle"), QStringLiteral("Default: Minimize All Windows"));
         QCOMPARE(text(view, "defaultSummaryText"), QStringLiteral("Minimizes standard windows without closing apps."));
-        QVERIFY(ui.fake.preferences.values.empty());   // reading writes nothing
+        QVERIFY(ui.fake.preferences.values.empty()); // reading writes nothing
     }
 
     void switchingOffTheDefaultRepairsIt()
@@ -159,7 +164,7 @@ private slots:
         UiFixture ui;
         ui.start();
         QQuickView& view = ui.settings();
-        ui.views().settings().choosePickerItem(2);   // Close Windows, Force Quit, Hide, Minimize
+        ui.views().settings().choosePickerItem(2); // Close Windows, Force Quit, Hide, Minimize
         UiFixture::settle();
         QCOMPARE(ui.preference("defaultAction"), std::optional<std::string>("hide"));
         QCOMPARE(ui.preference("enabledActions"), std::nullopt);
@@ -321,7 +326,8 @@ private slots:
         QQuickItem* accessTitle = item("accessTitle");
         QCOMPARE(accessSymbol->mapToScene(QPointF(0, 0)) - item("accessStatusBox")->mapToScene(QPointF(0, 0)),
                  QPointF(16, 16));
-        QCOMPARE(accessTitle->mapToScene(QPointF(0, 0)).x() - accessSymbol->mapToScene(QPointF(accessSymbol->width(), 0)).x(),
+        QCOMPARE(accessTitle->mapToScene(QPointF(0, 0)).x() -
+                     accessSymbol->mapToScene(QPointF(accessSymbol->width(), 0)).x(),
                  12.0);
         QCOMPARE(top(item("accessDetail")) - bottom(accessTitle), 4.0);
         QCOMPARE(bottom(item("accessStatusBox")) - bottom(item("accessDetail")), 16.0);

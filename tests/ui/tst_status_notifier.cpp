@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // The tray item on a StatusNotifierItem host: registration with the watcher, the properties a
 // host reads, and a click that carries its position to the panel. Runs on a private session
 // bus with a stand-in watcher in its own process.
@@ -25,7 +29,8 @@ private:
         m_watcher.setProgram(QStringLiteral(STOWLY_SNI_WATCHER_PATH));
         m_watcher.setArguments({QString::number(x), QString::number(y)});
         m_watcher.start();
-        return m_watcher.waitForStarted() && QTest::qWaitFor([] { return StatusNotifierItem::isHostAvailable(); }, 5000);
+        return m_watcher.waitForStarted() &&
+               QTest::qWaitFor([] { return StatusNotifierItem::isHostAvailable(); }, 5000);
     }
     void stopWatcher()
     {
@@ -65,10 +70,12 @@ private slots:
         QVERIFY(activated.wait(5000));
         QCOMPARE(activated.first().first().toPoint(), QPoint(120, 30));
         QString output;
-        QVERIFY(QTest::qWaitFor([&] {
-            output += watcherOutput();
-            return output.contains(QStringLiteral("activated"));
-        }, 5000));
+        QVERIFY(QTest::qWaitFor(
+            [&] {
+                output += watcherOutput();
+                return output.contains(QStringLiteral("activated"));
+            },
+            5000));
         QVERIFY2(output.contains(QStringLiteral("registered ") + item.serviceName()), qPrintable(output));
         QVERIFY2(output.contains(QStringLiteral("Id=app.stowly.Stowly\n")), qPrintable(output));
         QVERIFY2(output.contains(QStringLiteral("Title=Stowly\n")), qPrintable(output));

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // The views in their hard states, rendered and saved as pictures under the build folder
 // (gallery/*.png) for a look by eye, and checked for what a look would catch: texts that
 // run past their box or out of the window, boxes that leave their margins.
@@ -65,7 +69,11 @@ private:
             const qreal shown = std::min(painted, text->width());
             QVERIFY2(x >= left - 0.5 && x + shown <= right + 0.5,
                      qPrintable(QStringLiteral("\"%1\" spans %2..%3, outside %4..%5")
-                                    .arg(content).arg(x).arg(x + shown).arg(left).arg(right)));
+                                    .arg(content)
+                                    .arg(x)
+                                    .arg(x + shown)
+                                    .arg(left)
+                                    .arg(right)));
         }
     }
 
@@ -96,7 +104,7 @@ private slots:
         ui.start();
         QQuickView& view = ui.panel();
         RunningAppsListModel& rows = ui.views().openApps();
-        for (int row = 0; row < rows.count(); ++row) {   // a result line that names the long app
+        for (int row = 0; row < rows.count(); ++row) { // a result line that names the long app
             if (rows.data(rows.index(row), RunningAppsListModel::IdRole).toInt() == 101)
                 rows.terminateApp(row);
         }
@@ -133,7 +141,8 @@ private slots:
         QVERIFY(menuParent->mapToScene(QPointF(0, menuBottom)).y() <= view.height());
         // Its trailing edge is the button's, inside the panel's margin.
         const qreal menuRight = menu->property("x").toReal() + menu->property("width").toReal();
-        QCOMPARE(menuParent->mapToScene(QPointF(menuRight, 0)).x(), button->mapToScene(QPointF(button->width(), 0)).x());
+        QCOMPARE(menuParent->mapToScene(QPointF(menuRight, 0)).x(),
+                 button->mapToScene(QPointF(button->width(), 0)).x());
         QVERIFY(menuParent->mapToScene(QPointF(menuRight, 0)).x() <= 340 - 14);
     }
 

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // The C++ glue: preference notifications, the panel's placement, the tray image and the
 // symbol glyphs.
 #include "NotifyingPreferenceStore.h"
@@ -25,7 +29,7 @@ private slots:
         QSignalSpy enabled(&store, &NotifyingPreferenceStore::enabledActionsChanged);
         QSignalSpy defaults(&store, &NotifyingPreferenceStore::defaultActionChanged);
         store.setString("enabledActions", "hide");
-        store.setString("enabledActions", "hide");   // unchanged values are announced too
+        store.setString("enabledActions", "hide"); // unchanged values are announced too
         store.setString("defaultAction", "hide");
         store.setString("other", "x");
         QCOMPARE(any.count(), 4);

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "ActionSettings.h"
 #include "FakePlatform.h"
 #include "TestSupport.h"
@@ -30,8 +34,8 @@ TEST_F(ActionSettingsTest, NoStoredKeysSelectAllCardsAndMinimizeEverywhere)
                          DefaultAction::forceQuit}));
     EXPECT_EQ(ActionSettings::pickerSelection(store), DefaultAction::minimize);
     EXPECT_EQ(ActionSettings::pickerItems(store),
-              (std::vector<DefaultAction>{DefaultAction::closeWindows, DefaultAction::forceQuit,
-                                          DefaultAction::hide, DefaultAction::minimize}));
+              (std::vector<DefaultAction>{DefaultAction::closeWindows, DefaultAction::forceQuit, DefaultAction::hide,
+                                          DefaultAction::minimize}));
     EXPECT_EQ(ActionSettings::selectedAction(store), DefaultAction::minimize);
     EXPECT_EQ(q("Default: ") + ActionSettings::selectedAction(store).title(), q("Default: Minimize All Windows"));
     EXPECT_EQ(store.writes, 0);
@@ -99,7 +103,7 @@ TEST_F(ActionSettingsTest, StoredDefaultThatIsDisabledPicksSmallestRawValueButBo
     store.values["defaultAction"] = "forceQuit";
     EXPECT_EQ(ActionSettings::pickerSelection(store), DefaultAction::hide);
     EXPECT_EQ(ActionSettings::selectedAction(store), DefaultAction::forceQuit);
-    EXPECT_EQ(store.writes, 0);   // the picker getter never writes
+    EXPECT_EQ(store.writes, 0); // the picker getter never writes
     EXPECT_EQ(stored("defaultAction"), std::optional<std::string>("forceQuit"));
 }
 

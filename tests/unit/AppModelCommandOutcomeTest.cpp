@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // lastCommandSucceeded(): the flag that scripts read instead of parsing the sentence.
 
 #include "TestSupport.h"
@@ -51,7 +55,7 @@ TEST_F(AppModelCommandOutcome, MinimizeSucceedsWithACountAndNotWithNone)
     auto& m = trustedModel();
     m.minimizeAllWindows();
     EXPECT_TRUE(m.lastCommandSucceeded());
-    m.minimizeAllWindows();   // nothing left to minimize
+    m.minimizeAllWindows(); // nothing left to minimize
     EXPECT_EQ(m.lastResultMessage(), q("No minimizable windows were found."));
     EXPECT_FALSE(m.lastCommandSucceeded());
 }
@@ -72,7 +76,7 @@ TEST_F(AppModelCommandOutcome, MissingAccessClearsAnEarlierSuccess)
 TEST_F(AppModelCommandOutcome, AnErrorPartWayIsNotASuccess)
 {
     addAppWithWindows(10, "Notes", 2);
-    failMinimizingWindow(10, 1);   // the first window is minimized, the second fails
+    failMinimizingWindow(10, 1); // the first window is minimized, the second fails
     auto& m = trustedModel();
     m.minimizeAllWindows();
     EXPECT_EQ(m.lastResultMessage(), q("Accessibility call failed with code -25204."));
@@ -81,7 +85,7 @@ TEST_F(AppModelCommandOutcome, AnErrorPartWayIsNotASuccess)
 
 TEST_F(AppModelCommandOutcome, HideAndForceQuitFollowTheirCounts)
 {
-    auto& m = makeModel();   // neither needs access
+    auto& m = makeModel(); // neither needs access
     m.hideAllApps();
     EXPECT_FALSE(m.lastCommandSucceeded());
     m.forceQuitAllApps();
@@ -133,8 +137,7 @@ TEST_F(AppModelCommandOutcome, TheFlagIsSetWhenTheSentenceIsAnnounced)
     auto notes = fakes.workspace.addApp(10, "Notes");
     auto& m = makeModel();
     std::vector<bool> seen;
-    QObject::connect(&m, &AppModel::lastResultMessageChanged, &m,
-                     [&] { seen.push_back(m.lastCommandSucceeded()); });
+    QObject::connect(&m, &AppModel::lastResultMessageChanged, &m, [&] { seen.push_back(m.lastCommandSucceeded()); });
     m.hideAllApps();
     notes->terminateAnswer = false;
     m.terminateApp(row(10, "Notes"));

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "TestSupport.h"
 
 #include <QSignalSpy>
@@ -97,7 +101,7 @@ TEST_F(AppModelCommands, UntrustedHideIsAttemptedAndReportsThreeApps)
     EXPECT_EQ(m.lastResultMessage(), q("Hid 3 apps."));
     EXPECT_EQ(a->hideCalls + b->hideCalls + c->hideCalls, 3);
     EXPECT_FALSE(m.hasAccessibilityPermission());
-    EXPECT_TRUE(fakes.trust.prompts.empty());   // no trust check at all
+    EXPECT_TRUE(fakes.trust.prompts.empty()); // no trust check at all
 }
 
 TEST_F(AppModelCommands, UntrustedHideWithNothingToHideSaysNoAppsCouldBeHidden)
@@ -162,7 +166,7 @@ TEST_F(AppModelCommands, MinimizeCountsOneTwelveAndZero)
     auto& m = trustedModel();
     m.minimizeAllWindows();
     EXPECT_EQ(m.lastResultMessage(), q("Minimized 1 window."));
-    m.minimizeAllWindows();   // everything is minimized now
+    m.minimizeAllWindows(); // everything is minimized now
     EXPECT_EQ(m.lastResultMessage(), q("No minimizable windows were found."));
     appWithWindows(11, "Mail", 12);
     m.minimizeAllWindows();
@@ -199,7 +203,7 @@ TEST_F(AppModelCommands, HideCountOneSaysHidOneApp)
 TEST_F(AppModelCommands, BulkCommandsRefreshTheListLast)
 {
     auto& m = trustedModel();
-    fakes.workspace.addApp(10, "Notes");   // appears after construction
+    fakes.workspace.addApp(10, "Notes"); // appears after construction
     m.forceQuitAllApps();
     ASSERT_EQ(m.runningApps().size(), 1u);
     EXPECT_EQ(m.runningApps()[0].name, q("Notes"));
@@ -225,8 +229,8 @@ TEST_F(AppModelCommands, CloseErrorIsShownUnchanged)
     auto& m = trustedModel();
     auto& windows = std::get<AXElementList>(fakes.accessibility.applicationElement(10)->attributes["AXWindows"].value);
     auto window = std::static_pointer_cast<fakes::FakeElement>(windows[0]);
-    auto button = std::static_pointer_cast<fakes::FakeElement>(
-        std::get<AXElementRef>(window->attributes["AXCloseButton"].value));
+    auto button =
+        std::static_pointer_cast<fakes::FakeElement>(std::get<AXElementRef>(window->attributes["AXCloseButton"].value));
     button->actionAnswers["AXPress"] = kAXErrorInvalidUIElement;
     m.closeAllWindows();
     EXPECT_EQ(m.lastResultMessage(), q("Accessibility call failed with code -25202."));
@@ -330,7 +334,7 @@ TEST_F(AppModelCommands, PerAppCommandsNeverCheckTrustAndAlwaysRefresh)
     auto notes = fakes.workspace.addApp(10, "Notes");
     auto& m = makeModel();
     fakes.trust.prompts.clear();
-    notes->terminated = true;   // exits before the click lands
+    notes->terminated = true; // exits before the click lands
     QSignalSpy appsSpy(&m, &AppModel::runningAppsChanged);
     m.terminateApp(row(10, "Notes"));
     m.openApp(row(10, "Notes"));
@@ -338,7 +342,7 @@ TEST_F(AppModelCommands, PerAppCommandsNeverCheckTrustAndAlwaysRefresh)
     EXPECT_EQ(m.lastResultMessage(), q("Could not force quit Notes."));
     EXPECT_TRUE(fakes.trust.prompts.empty());
     EXPECT_EQ(appsSpy.count(), 3);
-    EXPECT_TRUE(m.runningApps().empty());   // the exited app is gone from the list
+    EXPECT_TRUE(m.runningApps().empty()); // the exited app is gone from the list
     EXPECT_EQ(notes->terminateCalls + notes->forceTerminateCalls, 0);
     EXPECT_TRUE(notes->activateCalls.empty());
 }

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "TestSupport.h"
 
 #include <QSignalSpy>
@@ -37,19 +41,25 @@ TEST_F(AppModelState, ConstructionChecksTrustSilentlyListsAppsAndReadsLoginStatu
     EXPECT_EQ(fakes.loginItems.statusQueries, 1);
     ASSERT_EQ(m.runningApps().size(), 1u);
     EXPECT_EQ(m.runningApps()[0].name, q("Notes"));
-    EXPECT_EQ(fakes.preferences.writes, 0);   // defaults are never written at start
+    EXPECT_EQ(fakes.preferences.writes, 0); // defaults are never written at start
 }
 
 // Forwarders that note, in one shared log, the moment each platform query is made.
 class QueryOrderLog {
 public:
-    explicit QueryOrderLog(fakes::FakePlatform& fakes) : trust(*this, fakes.trust), workspace(*this, fakes.workspace),
-                                                          loginItems(*this, fakes.loginItems) {}
+    explicit QueryOrderLog(fakes::FakePlatform& fakes)
+        : trust(*this, fakes.trust), workspace(*this, fakes.workspace), loginItems(*this, fakes.loginItems)
+    {
+    }
     std::vector<std::string> entries;
 
     struct Trust : AccessibilityTrust {
         Trust(QueryOrderLog& log, AccessibilityTrust& inner) : log(log), inner(inner) {}
-        bool isProcessTrusted(bool prompt) override { log.note("trust"); return inner.isProcessTrusted(prompt); }
+        bool isProcessTrusted(bool prompt) override
+        {
+            log.note("trust");
+            return inner.isProcessTrusted(prompt);
+        }
         QueryOrderLog& log;
         AccessibilityTrust& inner;
     } trust;
@@ -67,7 +77,11 @@ public:
     } workspace;
     struct Login : LoginItemService {
         Login(QueryOrderLog& log, LoginItemService& inner) : log(log), inner(inner) {}
-        LoginItemStatus status() override { log.note("login"); return inner.status(); }
+        LoginItemStatus status() override
+        {
+            log.note("login");
+            return inner.status();
+        }
         std::optional<std::string> registerMainApp() override { return inner.registerMainApp(); }
         std::optional<std::string> unregisterMainApp() override { return inner.unregisterMainApp(); }
         QueryOrderLog& log;
@@ -88,8 +102,8 @@ TEST_F(AppModelState, ConstructionPublishesPermissionThenAppsThenLoginStatus)
     fakes.loginItems.currentStatus = LoginItemStatus::enabled;
     fakes.workspace.addApp(10, "Notes");
     QueryOrderLog log(fakes);
-    Platform logged{log.workspace,        fakes.accessibility, log.trust,           fakes.processTable,
-                    log.loginItems,       fakes.urlOpener,     fakes.preferences,   fakes.accessSettings};
+    Platform logged{log.workspace,  fakes.accessibility, log.trust,         fakes.processTable,
+                    log.loginItems, fakes.urlOpener,     fakes.preferences, fakes.accessSettings};
     AppModel m(logged);
     EXPECT_EQ(log.entries, (std::vector<std::string>{"trust", "apps", "login"}));
     EXPECT_TRUE(m.hasAccessibilityPermission());
@@ -146,7 +160,7 @@ TEST_F(AppModelState, TrustGrantedWhileRunningPostsGrantedOnceThenLeavesCommandM
     EXPECT_TRUE(m.hasAccessibilityPermission());
     EXPECT_EQ(m.lastResultMessage(), q("Accessibility access granted."));
 
-    m.hideAllApps();   // a command's result message
+    m.hideAllApps(); // a command's result message
     EXPECT_EQ(m.lastResultMessage(), q("No apps could be hidden."));
     m.refreshSnapshot();
     m.refreshSnapshot();
@@ -248,7 +262,7 @@ TEST_F(AppModelState, RefreshPermissionStatusAnnouncesAnEqualValueAndTheReadyMes
     QSignalSpy messageSpy(&m, &AppModel::lastResultMessageChanged);
     m.refreshPermissionStatus();
     EXPECT_EQ(permissionSpy.count(), 1);
-    EXPECT_EQ(messageSpy.count(), 1);   // "Ready..." assigned again, unchanged
+    EXPECT_EQ(messageSpy.count(), 1); // "Ready..." assigned again, unchanged
 }
 
 TEST_F(AppModelState, RefreshRunningAppsAnnouncesAnEqualEmptyList)

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "TestSupport.h"
 
 #include <QCoreApplication>
@@ -69,7 +73,7 @@ TEST_F(AppModelTimer, StartAutoRefreshTwiceLeavesExactlyOneLiveTimer)
     ASSERT_EQ(liveTimers(m).size(), 1);
     drainEvents();
     const auto timers = m.findChildren<QTimer*>();
-    ASSERT_EQ(timers.size(), 1);   // replaced timers are gone, not merely stopped
+    ASSERT_EQ(timers.size(), 1); // replaced timers are gone, not merely stopped
     EXPECT_TRUE(timers[0]->isActive());
     EXPECT_EQ(timers[0]->interval(), 1000);
     EXPECT_EQ(timers[0]->timerType(), Qt::PreciseTimer);
@@ -132,7 +136,7 @@ TEST_F(AppModelTimer, TickInsideANestedEventLoopRefreshesWithinThatLoop)
             },
             Qt::QueuedConnection);
     });
-    QTimer::singleShot(10000, &nested, &QEventLoop::quit);   // never hang the run
+    QTimer::singleShot(10000, &nested, &QEventLoop::quit); // never hang the run
     nested.exec();
     ASSERT_TRUE(ranInsideTheLoop);
     EXPECT_GT(listingsSeenInsideTheLoop, listings);

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "AppPreferences.h"
 #include "FakePlatform.h"
 #include "TestSupport.h"
@@ -19,8 +23,8 @@ std::vector<DefaultAction> listed(const char* text)
     return AppPreferences::enabledActionsSorted(parse(text));
 }
 
-const std::vector<DefaultAction> kAllInCatalogueOrder{
-    DefaultAction::minimize, DefaultAction::hide, DefaultAction::closeWindows, DefaultAction::forceQuit};
+const std::vector<DefaultAction> kAllInCatalogueOrder{DefaultAction::minimize, DefaultAction::hide,
+                                                      DefaultAction::closeWindows, DefaultAction::forceQuit};
 
 TEST(AppPreferences, KeyStringsAreExact)
 {

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "DefaultAction.h"
 #include "TestSupport.h"
 
@@ -43,10 +47,8 @@ TEST(DefaultAction, TitlesAreExact)
 
 TEST(DefaultAction, SummariesAreExact)
 {
-    EXPECT_EQ(DefaultAction(DefaultAction::minimize).summary(),
-              q("Minimizes standard windows without closing apps."));
-    EXPECT_EQ(DefaultAction(DefaultAction::hide).summary(),
-              q("Hides open apps without touching their windows."));
+    EXPECT_EQ(DefaultAction(DefaultAction::minimize).summary(), q("Minimizes standard windows without closing apps."));
+    EXPECT_EQ(DefaultAction(DefaultAction::hide).summary(), q("Hides open apps without touching their windows."));
     EXPECT_EQ(DefaultAction(DefaultAction::closeWindows).summary(),
               q("Attempts to close standard windows in each app."));
     EXPECT_EQ(DefaultAction(DefaultAction::forceQuit).summary(),
@@ -67,10 +69,8 @@ TEST(DefaultAction, SettingsShortTitlesAndCardSummariesAreExact)
     EXPECT_EQ(DefaultAction(DefaultAction::hide).shortTitle(), q("Hide"));
     EXPECT_EQ(DefaultAction(DefaultAction::closeWindows).shortTitle(), q("Close Windows"));
     EXPECT_EQ(DefaultAction(DefaultAction::forceQuit).shortTitle(), q("Force Quit"));
-    EXPECT_EQ(DefaultAction(DefaultAction::minimize).cardSummary(),
-              q("Clear the desktop while keeping apps running."));
-    EXPECT_EQ(DefaultAction(DefaultAction::hide).cardSummary(),
-              q("Hide every app without changing window state."));
+    EXPECT_EQ(DefaultAction(DefaultAction::minimize).cardSummary(), q("Clear the desktop while keeping apps running."));
+    EXPECT_EQ(DefaultAction(DefaultAction::hide).cardSummary(), q("Hide every app without changing window state."));
     EXPECT_EQ(DefaultAction(DefaultAction::closeWindows).cardSummary(),
               q("Ask apps to close visible windows when possible."));
     EXPECT_EQ(DefaultAction(DefaultAction::forceQuit).cardSummary(),

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "AccessibilityPermissionChecker.h"
 #include "TestSupport.h"
 
@@ -66,7 +70,7 @@ TEST_F(LaunchAndAccess, EnableFailsWhileNotRegisteredEndsFalseWithErrorMessage)
     EXPECT_FALSE(m.launchesAtLogin());
     EXPECT_TRUE(m.lastResultMessage().startsWith(q("Could not update launch at login: ")));
     EXPECT_EQ(m.lastResultMessage(), q("Could not update launch at login: Operation not permitted"));
-    EXPECT_EQ(fakes.loginItems.statusQueries, queries + 1);   // re-read before reporting
+    EXPECT_EQ(fakes.loginItems.statusQueries, queries + 1); // re-read before reporting
 }
 
 TEST_F(LaunchAndAccess, DisableFailsReReadsTheRealStatus)
@@ -92,7 +96,7 @@ TEST_F(LaunchAndAccess, RegisteredButRequiresApprovalStaysTrue)
     m.refreshPermissionStatus();
     m.refreshRunningApps();
     EXPECT_TRUE(m.launchesAtLogin());
-    EXPECT_EQ(fakes.loginItems.statusQueries, queries);   // success never re-reads
+    EXPECT_EQ(fakes.loginItems.statusQueries, queries); // success never re-reads
 }
 
 TEST_F(LaunchAndAccess, RegisteringWhileRegisteredIsPassedToThePlatform)
@@ -135,10 +139,11 @@ TEST_F(LaunchAndAccess, OpenSettingsOpensThePrivacyPaneAndChangesNothing)
     m.hideAllApps();
     QSignalSpy messageSpy(&m, &AppModel::lastResultMessageChanged);
     QSignalSpy permissionSpy(&m, &AppModel::hasAccessibilityPermissionChanged);
-    fakes.urlOpener.answer = false;   // a failure is silent
+    fakes.urlOpener.answer = false; // a failure is silent
     m.openAccessibilitySettings();
-    EXPECT_EQ(fakes.urlOpener.opened,
-              std::vector<std::string>{"x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"});
+    EXPECT_EQ(
+        fakes.urlOpener.opened,
+        std::vector<std::string>{"x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"});
     EXPECT_EQ(m.lastResultMessage(), q("No apps could be hidden."));
     EXPECT_EQ(messageSpy.count(), 0);
     EXPECT_EQ(permissionSpy.count(), 0);

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "TestSupport.h"
 #include "WindowMinimizer.h"
 
@@ -135,8 +139,8 @@ TEST_F(ManagedApps, LargestMemoryIsListedFirst)
 
 TEST_F(ManagedApps, AbsentMemoryIsPlacedAfterEveryPositiveFigure)
 {
-    appUsing(10, "Alpha", 0);   // sums to 0: absent
-    workspace.addApp(11, "Beta");   // no process at all: absent
+    appUsing(10, "Alpha", 0);     // sums to 0: absent
+    workspace.addApp(11, "Beta"); // no process at all: absent
     appUsing(12, "Zulu", 1);
     appUsing(13, "Yak", 2048);
     const auto apps = minimizer.runningApps();
@@ -213,7 +217,8 @@ TEST(ManagedAppsDeathTest, MemorySumBeyondSixtyFourBitsIsAProgrammingError)
     processTable.add(10, "big", half);
     processTable.add(11, "big helper", half - 1);
     // One byte short of wrapping: the exact sum is kept.
-    EXPECT_EQ(minimizer.runningApps().at(0).memoryBytes, std::optional<std::uint64_t>(std::numeric_limits<std::uint64_t>::max()));
+    EXPECT_EQ(minimizer.runningApps().at(0).memoryBytes,
+              std::optional<std::uint64_t>(std::numeric_limits<std::uint64_t>::max()));
     processTable.add(11, "big helper", half);
     EXPECT_DEATH((void)minimizer.runningApps(), "");
 }

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // The two name orders of the app list, in whatever locale the run has: this file is also
 // built into a test program that runs under LC_ALL=C with the locale left as it is.
 
@@ -59,17 +63,23 @@ protected:
 TEST_F(NameOrder, ListBreaksTiesCaseInsensitivelyAndManagedOrderIsCaseSensitive)
 {
     addApps({"zebra", "Cherry", "alpha", "Zeta", "banana", "Apple"});
-    EXPECT_EQ(listed(), (std::vector<QString>{q("alpha"), q("Apple"), q("banana"), q("Cherry"), q("zebra"),
-                                              q("Zeta")}));
-    EXPECT_EQ(managed(), (std::vector<QString>{q("Apple"), q("Cherry"), q("Zeta"), q("alpha"), q("banana"),
-                                               q("zebra")}));
+    EXPECT_EQ(listed(),
+              (std::vector<QString>{q("alpha"), q("Apple"), q("banana"), q("Cherry"), q("zebra"), q("Zeta")}));
+    EXPECT_EQ(managed(),
+              (std::vector<QString>{q("Apple"), q("Cherry"), q("Zeta"), q("alpha"), q("banana"), q("zebra")}));
 }
 
 TEST_F(NameOrder, ListCollatesAccentedLettersWithTheirBaseLetter)
 {
     // By code point "É" (U+00C9) would follow "Z"; collated it sits among the E's.
-    addApps({"Zulu", "\xc3\x89" "clair", "Eclipse", "echo"});
-    EXPECT_EQ(listed(), (std::vector<QString>{q("echo"), q("\xc3\x89" "clair"), q("Eclipse"), q("Zulu")}));
+    addApps({"Zulu",
+             "\xc3\x89"
+             "clair",
+             "Eclipse", "echo"});
+    EXPECT_EQ(listed(), (std::vector<QString>{q("echo"),
+                                              q("\xc3\x89"
+                                                "clair"),
+                                              q("Eclipse"), q("Zulu")}));
 }
 
 TEST_F(NameOrder, NamesBeyondTheBasicPlaneInTheList)
@@ -84,8 +94,8 @@ TEST_F(NameOrder, NamesBeyondTheBasicPlaneInTheManagedOrder)
     // Case-sensitive by scalar value: U+FF21, U+10400, U+10428, U+1D400, although UTF-16
     // units would put every surrogate pair before U+FF21.
     addApps({std::string(kDeseretSmallI) + "a", kBoldA, std::string(kDeseretCapitalI) + "b", kFullwidthA});
-    EXPECT_EQ(managed(), (std::vector<QString>{q(kFullwidthA), q(kDeseretCapitalI) + q("b"),
-                                               q(kDeseretSmallI) + q("a"), q(kBoldA)}));
+    EXPECT_EQ(managed(), (std::vector<QString>{q(kFullwidthA), q(kDeseretCapitalI) + q("b"), q(kDeseretSmallI) + q("a"),
+                                               q(kBoldA)}));
 }
 
 TEST(NameCollator, CollatesEvenForTheCLocale)
@@ -112,12 +122,15 @@ TEST(NameCollator, CaseFoldingFallbackIgnoresCaseAndComparesScalars)
     EXPECT_GT(NameCollator::compareCaseFolded(q("Zeta"), q("alpha")), 0);
     EXPECT_EQ(NameCollator::compareCaseFolded(q("MAIL"), q("mail")), 0);
     // Full case folding: "Straße" and "STRASSE" are the same name.
-    EXPECT_EQ(NameCollator::compareCaseFolded(q("Stra\xc3\x9f" "e"), q("STRASSE")), 0);
+    EXPECT_EQ(NameCollator::compareCaseFolded(q("Stra\xc3\x9f"
+                                                "e"),
+                                              q("STRASSE")),
+              0);
     // Canonically equivalent spellings tie.
     EXPECT_EQ(NameCollator::compareCaseFolded(q("Cafe\xcc\x81"), q("caf\xc3\xa9")), 0);
     EXPECT_LT(NameCollator::compareCaseFolded(q(kDeseretSmallI) + q("a"), q(kDeseretCapitalI) + q("b")), 0);
     EXPECT_LT(NameCollator::compareCaseFolded(q(kFullwidthA), q(kBoldA)), 0);
-    EXPECT_LT(NameCollator::compareCaseFolded(q("app"), q("Apple")), 0);   // a prefix first
+    EXPECT_LT(NameCollator::compareCaseFolded(q("app"), q("Apple")), 0); // a prefix first
     EXPECT_GT(NameCollator::compareCaseFolded(q("Apple"), q("app")), 0);
 }
 

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "TestSupport.h"
 #include "WindowMinimizer.h"
 
@@ -102,7 +106,7 @@ TEST_F(ProcessMemory, PidsKeepTheListingOrder)
 TEST_F(ProcessMemory, BufferHoldsExactlyTheCountedPids)
 {
     processTable.order = {30, 10, 20};
-    processTable.countAnswer = 2;   // a process started between the two calls
+    processTable.countAnswer = 2; // a process started between the two calls
     EXPECT_EQ(minimizer.allPIDs(), (std::vector<std::int32_t>{30, 10}));
 }
 
@@ -122,7 +126,7 @@ TEST_F(ProcessMemory, ProcessWithUnreadableMemoryIsLeftOut)
     gone.rusageResult = -1;
     gone.taskInfoResult = 0;
     processTable.add(11, "here", 10);
-    processTable.extraListedPids = {12};   // vanished between listing and sampling
+    processTable.extraListedPids = {12}; // vanished between listing and sampling
     EXPECT_EQ(recordPids(), std::vector<std::int32_t>{11});
 }
 
@@ -175,7 +179,7 @@ TEST_F(ProcessMemory, FailedUsageCallIsMeasuredByResidentSize)
 
 TEST_F(ProcessMemory, ResidentSizeZeroIsKeptAsZeroForTheProcess)
 {
-    processTable.add(10, "foo", 0);   // footprint 0, resident 0
+    processTable.add(10, "foo", 0); // footprint 0, resident 0
     EXPECT_EQ(minimizer.memoryUsage(10), std::optional<std::uint64_t>(0));
     const auto record = recordOf(10);
     ASSERT_TRUE(record.has_value());
@@ -226,7 +230,7 @@ TEST_F(ProcessMemory, NameWithTrailingSpaceMatchesExactNameAndHelperSuffixOnly)
     processTable.add(63, "foo-agent", 1000);
     processTable.add(64, "Foo Helper (GPU)", 10000);
     processTable.add(65, "xfoo helper", 100000);
-    processTable.add(66, "foo helpers", 1000000);   // begins with "foo helper" all the same
+    processTable.add(66, "foo helpers", 1000000); // begins with "foo helper" all the same
     EXPECT_EQ(total(foo), std::optional<std::uint64_t>(1010011));
 }
 
@@ -235,8 +239,8 @@ TEST_F(ProcessMemory, NamelessAppCollectsItsBundleAndItsOwnProcessButNoNames)
     auto tool = workspace.addApp(70, std::nullopt);
     tool->bundleId = "org.x.tool";
     processTable.add(70, "tool", 1);
-    processTable.add(71, "tool", 10);        // same name, no bundle: not this app's
-    processTable.add(72, "renderer", 100);   // carries the bundle
+    processTable.add(71, "tool", 10);      // same name, no bundle: not this app's
+    processTable.add(72, "renderer", 100); // carries the bundle
     helperOf(72, "org.x.tool");
     EXPECT_EQ(total(tool), std::optional<std::uint64_t>(101));
 }
@@ -288,7 +292,7 @@ TEST_F(ProcessMemory, RunningAppsSamplesTheProcessTableOnce)
     }
     const auto apps = minimizer.runningApps();
     EXPECT_EQ(apps.size(), 4u);
-    EXPECT_EQ(processTable.listAllPidsCalls, 2);   // one count, one fill
+    EXPECT_EQ(processTable.listAllPidsCalls, 2); // one count, one fill
     EXPECT_EQ(apps[0].memoryBytes, std::optional<std::uint64_t>(1300));
 }
 
@@ -297,14 +301,20 @@ TEST_F(ProcessMemory, RunningAppsSamplesTheProcessTableOnce)
 TEST_F(ProcessMemory, NormalizedNameTrimsWhiteSpaceAndLowerCasesUnicode)
 {
     EXPECT_EQ(WindowMinimizer::normalizedProcessName(std::nullopt), std::nullopt);
-    EXPECT_EQ(WindowMinimizer::normalizedProcessName(q(" \t\u00c4PFEL Helper\n")), std::optional<QString>(q("\u00e4pfel helper")));
-    EXPECT_EQ(WindowMinimizer::normalizedProcessName(q("Foo.app/Contents")), std::optional<QString>(q("foo.app/contents")));
+    EXPECT_EQ(WindowMinimizer::normalizedProcessName(q(" \t\u00c4PFEL Helper\n")),
+              std::optional<QString>(q("\u00e4pfel helper")));
+    EXPECT_EQ(WindowMinimizer::normalizedProcessName(q("Foo.app/Contents")),
+              std::optional<QString>(q("foo.app/contents")));
 }
 
 TEST_F(ProcessMemory, ProcessNameReplacesInvalidUtf8)
 {
-    processTable.add(10, std::string("ab\xff" "cd"), 1);
-    EXPECT_EQ(minimizer.processName(10), std::optional<QString>(QString::fromUtf8("ab\xef\xbf\xbd" "cd")));
+    processTable.add(10,
+                     std::string("ab\xff"
+                                 "cd"),
+                     1);
+    EXPECT_EQ(minimizer.processName(10), std::optional<QString>(QString::fromUtf8("ab\xef\xbf\xbd"
+                                                                                  "cd")));
     EXPECT_EQ(minimizer.processName(11), std::nullopt);
 }
 

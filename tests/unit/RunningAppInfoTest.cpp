@@ -1,5 +1,9 @@
-#include "ByteCountFormatter.h"
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "RunningAppInfo.h"
+#include "ByteCountFormatter.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -84,8 +88,7 @@ TEST(RunningAppInfo, KeepsEveryFieldAsConstructed)
 
 TEST(RunningAppInfoDeathTest, MemoryAboveLargestSignedCountIsAProgrammingError)
 {
-    const auto info = record(1, "Huge", false, false,
-                             std::uint64_t(std::numeric_limits<std::int64_t>::max()) + 1);
+    const auto info = record(1, "Huge", false, false, std::uint64_t(std::numeric_limits<std::int64_t>::max()) + 1);
     EXPECT_DEATH((void)info.formattedRAM(), "");
 }
 
@@ -101,7 +104,7 @@ TEST(RunningAppInfoDeathTest, MemoryAboveLargestSignedCountIsAProgrammingError)
 
 TEST(ByteCountFormatter, ZeroIsZeroKB)
 {
-    EXPECT_EQ(formatMemoryByteCount(0), q("Zero KB"));   // [zero]
+    EXPECT_EQ(formatMemoryByteCount(0), q("Zero KB")); // [zero]
 }
 
 TEST(ByteCountFormatter, OneIsSingularByte)
@@ -113,56 +116,56 @@ TEST(ByteCountFormatter, OneIsSingularByte)
 
 TEST(ByteCountFormatter, BelowOneKibibyteCountsBytes)
 {
-    EXPECT_EQ(formatMemoryByteCount(2), q("2 bytes"));       // [memory] [adaptive]
+    EXPECT_EQ(formatMemoryByteCount(2), q("2 bytes")); // [memory] [adaptive]
     EXPECT_EQ(formatMemoryByteCount(512), q("512 bytes"));
 }
 
 TEST(ByteCountFormatter, OneKibibyteIsOneKB)
 {
-    EXPECT_EQ(formatMemoryByteCount(1024), q("1 KB"));       // [memory]
+    EXPECT_EQ(formatMemoryByteCount(1024), q("1 KB")); // [memory]
     EXPECT_EQ(formatMemoryByteCount(17 * 1024), q("17 KB"));
 }
 
 TEST(ByteCountFormatter, KilobytesHaveNoFractionDigits)
 {
-    EXPECT_EQ(formatMemoryByteCount(1536), q("2 KB"));        // 1.5 KB: [adaptive]
-    EXPECT_EQ(formatMemoryByteCount(1126), q("1 KB"));        // 1.0996 KB
-    EXPECT_EQ(formatMemoryByteCount(10 * 1024 + 800), q("11 KB"));   // 10.78 KB
+    EXPECT_EQ(formatMemoryByteCount(1536), q("2 KB"));             // 1.5 KB: [adaptive]
+    EXPECT_EQ(formatMemoryByteCount(1126), q("1 KB"));             // 1.0996 KB
+    EXPECT_EQ(formatMemoryByteCount(10 * 1024 + 800), q("11 KB")); // 10.78 KB
 }
 
 TEST(ByteCountFormatter, OneMebibyteIsOneMBWithoutPaddedZero)
 {
-    EXPECT_EQ(formatMemoryByteCount(1048576), q("1 MB"));     // [memory] [nopad]
+    EXPECT_EQ(formatMemoryByteCount(1048576), q("1 MB")); // [memory] [nopad]
 }
 
 TEST(ByteCountFormatter, MegabytesHaveOneFractionDigit)
 {
-    EXPECT_EQ(formatMemoryByteCount(1572864), q("1.5 MB"));   // [adaptive]
-    EXPECT_EQ(formatMemoryByteCount(2453668), q("2.3 MB"));   // 2.34 MB
-    EXPECT_EQ(formatMemoryByteCount(3 * 1048576 + 996148), q("4 MB"));   // 3.95 MB, [nopad]
+    EXPECT_EQ(formatMemoryByteCount(1572864), q("1.5 MB"));            // [adaptive]
+    EXPECT_EQ(formatMemoryByteCount(2453668), q("2.3 MB"));            // 2.34 MB
+    EXPECT_EQ(formatMemoryByteCount(3 * 1048576 + 996148), q("4 MB")); // 3.95 MB, [nopad]
 }
 
 TEST(ByteCountFormatter, GigabytesHaveTwoFractionDigits)
 {
-    EXPECT_EQ(formatMemoryByteCount(1073741824), q("1 GB"));            // [nopad]
-    EXPECT_EQ(formatMemoryByteCount(2415919104), q("2.25 GB"));         // [adaptive]
-    EXPECT_EQ(formatMemoryByteCount(1277752771), q("1.19 GB"));         // the documented 1.19 GB
+    EXPECT_EQ(formatMemoryByteCount(1073741824), q("1 GB"));    // [nopad]
+    EXPECT_EQ(formatMemoryByteCount(2415919104), q("2.25 GB")); // [adaptive]
+    EXPECT_EQ(formatMemoryByteCount(1277752771), q("1.19 GB")); // the documented 1.19 GB
 }
 
 TEST(ByteCountFormatter, TrailingFractionZeroIsNotPadded)
 {
-    EXPECT_EQ(formatMemoryByteCount(1288490189), q("1.2 GB"));          // [nopad]: 1.2, not 1.20
+    EXPECT_EQ(formatMemoryByteCount(1288490189), q("1.2 GB")); // [nopad]: 1.2, not 1.20
 }
 
 TEST(ByteCountFormatter, TerabytesAndPetabytesHaveTwoFractionDigits)
 {
-    EXPECT_EQ(formatMemoryByteCount(3848290697216), q("3.5 TB"));       // 3.5 × 1024^4
+    EXPECT_EQ(formatMemoryByteCount(3848290697216), q("3.5 TB")); // 3.5 × 1024^4
     EXPECT_EQ(formatMemoryByteCount(std::int64_t(1) << 50), q("1 PB"));
 }
 
 TEST(ByteCountFormatter, ExbibyteIsOneEB)
 {
-    EXPECT_EQ(formatMemoryByteCount(std::int64_t(1) << 60), q("1 EB"));   // [units]
+    EXPECT_EQ(formatMemoryByteCount(std::int64_t(1) << 60), q("1 EB")); // [units]
 }
 
 // The next three follow Apple's open-source Foundation (swift-corelibs-foundation,
@@ -171,15 +174,15 @@ TEST(ByteCountFormatter, ExbibyteIsOneEB)
 
 TEST(ByteCountFormatter, UnitFollowsTheRawCountJustBelowTheNextUnit)
 {
-    EXPECT_EQ(formatMemoryByteCount(1048575), q("1,024 KB"));   // 1,023.999 KB
+    EXPECT_EQ(formatMemoryByteCount(1048575), q("1,024 KB")); // 1,023.999 KB
     EXPECT_EQ(formatMemoryByteCount(1023), q("1,023 bytes"));
 }
 
 TEST(ByteCountFormatter, RoundingTiesGoToTheEvenNeighbour)
 {
-    EXPECT_EQ(formatMemoryByteCount(2560), q("2 KB"));          // 2.5 KB
-    EXPECT_EQ(formatMemoryByteCount(3584), q("4 KB"));          // 3.5 KB
-    EXPECT_EQ(formatMemoryByteCount(1310720), q("1.2 MB"));     // 1.25 MB
+    EXPECT_EQ(formatMemoryByteCount(2560), q("2 KB"));      // 2.5 KB
+    EXPECT_EQ(formatMemoryByteCount(3584), q("4 KB"));      // 3.5 KB
+    EXPECT_EQ(formatMemoryByteCount(1310720), q("1.2 MB")); // 1.25 MB
 }
 
 TEST(ByteCountFormatter, LargeFiguresAreGroupedInThousands)

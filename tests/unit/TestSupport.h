@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 // Shared helpers: readable QString failures and a model built over the fakes.
@@ -27,8 +31,7 @@ inline QString q(const char* utf8)
 }
 
 // Labels of the windows whose minimized flag was written, in call order.
-inline std::vector<std::string> logEntriesStartingWith(const std::vector<std::string>& log,
-                                                       const std::string& prefix)
+inline std::vector<std::string> logEntriesStartingWith(const std::vector<std::string>& log, const std::string& prefix)
 {
     std::vector<std::string> found;
     for (const auto& entry : log) {

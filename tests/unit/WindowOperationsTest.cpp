@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "TestSupport.h"
 #include "WindowMinimizer.h"
 
@@ -40,14 +44,8 @@ protected:
             std::get<AXElementRef>(window->attributes.at("AXCloseButton").value));
     }
 
-    std::vector<std::string> minimizeWrites() const
-    {
-        return logEntriesStartingWith(accessibility.log, "set:");
-    }
-    std::vector<std::string> presses() const
-    {
-        return logEntriesStartingWith(accessibility.log, "perform:");
-    }
+    std::vector<std::string> minimizeWrites() const { return logEntriesStartingWith(accessibility.log, "set:"); }
+    std::vector<std::string> presses() const { return logEntriesStartingWith(accessibility.log, "perform:"); }
 };
 
 // ---- Empty walks -----------------------------------------------------------------------
@@ -103,7 +101,7 @@ TEST_F(WindowOperations, WindowsReadOfANonListContributesNoWindows)
 
 TEST_F(WindowOperations, AppWithoutAccessibleInterfaceHasNoWindows)
 {
-    workspace.addApp(10, "Alpha");   // no element scripted: every read is unsupported
+    workspace.addApp(10, "Alpha"); // no element scripted: every read is unsupported
     EXPECT_TRUE(minimizer.windows(*workspace.apps[0]).empty());
     EXPECT_EQ(minimizer.minimizeAllWindows(), 0);
 }
@@ -230,7 +228,7 @@ TEST_F(WindowOperations, MinimizeWritesPlatformTrueAndReportsTheWindow)
     auto windows = appWithWindows(10, "Alpha", 1);
     EXPECT_TRUE(minimizer.minimize(windows[0]));
     EXPECT_TRUE(isMinimized(windows[0]));
-    EXPECT_FALSE(minimizer.minimize(windows[0]));   // now already minimized
+    EXPECT_FALSE(minimizer.minimize(windows[0])); // now already minimized
 }
 
 TEST_F(WindowOperations, AttributeUnsupportedOnSetIsNotCountedAndTheWalkGoesOn)
@@ -267,9 +265,9 @@ TEST_F(WindowOperations, MinimizeFailsWithMinus25204OnThirdWindowOfSecondApp)
     EXPECT_FALSE(isMinimized(beta[3]));
     EXPECT_FALSE(isMinimized(gamma[0]));
     EXPECT_FALSE(isMinimized(gamma[1]));
-    EXPECT_EQ(minimizeWrites(), (std::vector<std::string>{"set:Alpha1:AXMinimized", "set:Alpha2:AXMinimized",
-                                                           "set:Beta1:AXMinimized", "set:Beta2:AXMinimized",
-                                                           "set:Beta3:AXMinimized"}));
+    EXPECT_EQ(minimizeWrites(),
+              (std::vector<std::string>{"set:Alpha1:AXMinimized", "set:Alpha2:AXMinimized", "set:Beta1:AXMinimized",
+                                        "set:Beta2:AXMinimized", "set:Beta3:AXMinimized"}));
     // Nothing past the failing window was even read.
     for (const auto& entry : accessibility.log) {
         EXPECT_EQ(entry.find("Beta4"), std::string::npos) << entry;
@@ -281,7 +279,7 @@ TEST_F(WindowOperations, MinimizeFailsWithMinus25204OnThirdWindowOfSecondApp)
 TEST_F(WindowOperations, OtherSetFailuresCarryTheirOwnCode)
 {
     auto windows = appWithWindows(10, "Alpha", 1);
-    windows[0]->setAnswers["AXMinimized"] = kAXErrorInvalidUIElement;   // the window vanished
+    windows[0]->setAnswers["AXMinimized"] = kAXErrorInvalidUIElement; // the window vanished
     try {
         minimizer.minimize(windows[0]);
         FAIL() << "expected MinimizeError";
@@ -304,9 +302,9 @@ TEST_F(WindowOperations, ActionUnsupportedOnSetMinimizedIsAFailure)
 TEST_F(WindowOperations, WindowWithoutCloseButtonIsNotClosed)
 {
     auto windows = appWithWindows(10, "Alpha", 3);
-    windows[0]->attributes.erase("AXCloseButton");                               // unsupported
-    windows[1]->attributes["AXCloseButton"] = {kAXErrorSuccess, AXAbsent{}};   // no value
-    windows[2]->attributes["AXCloseButton"].code = kAXErrorCannotComplete;       // read fails
+    windows[0]->attributes.erase("AXCloseButton");                           // unsupported
+    windows[1]->attributes["AXCloseButton"] = {kAXErrorSuccess, AXAbsent{}}; // no value
+    windows[2]->attributes["AXCloseButton"].code = kAXErrorCannotComplete;   // read fails
     EXPECT_FALSE(minimizer.close(windows[0]));
     EXPECT_FALSE(minimizer.close(windows[1]));
     EXPECT_FALSE(minimizer.close(windows[2]));

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // The windows Stowly hid, by KWin uuid. KWin has only "minimized"; this record is what
 // tells a hidden app from a minimized one. It lives in the session's runtime folder, so a
 // restart of Stowly still knows what it hid, and a new login starts clean.

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "KWinAccessGrant.h"
 
 #include <QDir>
@@ -69,7 +73,9 @@ std::string KWinAccessGrant::entryText() const
            "Type=Application\n"
            "Name=Stowly\n"
            "Comment=Lets Stowly see and arrange other apps' windows on KDE Plasma\n"
-           "Exec=" + kwinExecArgument(m_executable) + "\n"
+           "Exec=" +
+           kwinExecArgument(m_executable) +
+           "\n"
            "Icon=app.stowly.Stowly\n"
            "NoDisplay=true\n"
            "X-KDE-Wayland-Interfaces=org_kde_plasma_window_management\n";

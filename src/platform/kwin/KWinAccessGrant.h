@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // KWin offers its window-management interface only to a program whose desktop entry names
 // its executable and lists the interface. Asking for access on KWin means writing that entry
 // for the running executable in the user's applications folder.

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "KWinAccessibility.h"
 
 #include "WaylandConnection.h"
@@ -31,8 +35,7 @@ AXElementRef KWinAccessibility::createApplication(std::int32_t processIdentifier
     return std::make_shared<ApplicationElement>(processIdentifier);
 }
 
-AXError KWinAccessibility::copyAttributeValue(const AXElementRef& element, const std::string& attribute,
-                                              AXValue& value)
+AXError KWinAccessibility::copyAttributeValue(const AXElementRef& element, const std::string& attribute, AXValue& value)
 {
     value = AXAbsent{};
     if (!element)
@@ -98,7 +101,8 @@ AXError KWinAccessibility::setAttributeValue(const AXElementRef& element, const 
         return kAXErrorIllegalArgument;
     if (!m_windows.isGranted())
         return kAXErrorCannotComplete;
-    const bool sent = *minimized ? m_windows.setMinimized(window->info.uuid, true) : m_windows.activate(window->info.uuid);
+    const bool sent =
+        *minimized ? m_windows.setMinimized(window->info.uuid, true) : m_windows.activate(window->info.uuid);
     // Not in the list any more: the window closed since it was read.
     return sent ? kAXErrorSuccess : kAXErrorInvalidUIElement;
 }

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include "KWinAccessGrant.h"
@@ -15,12 +19,13 @@ namespace stowly::kwin {
 class KWinAccessibility : public Accessibility {
 public:
     KWinAccessibility(KWinWorkspace& workspace, PlasmaWindowManagement& windows)
-        : m_workspace(workspace), m_windows(windows) {}
+        : m_workspace(workspace), m_windows(windows)
+    {
+    }
 
     AXElementRef createApplication(std::int32_t processIdentifier) override;
     AXError copyAttributeValue(const AXElementRef& element, const std::string& attribute, AXValue& value) override;
-    AXError setAttributeValue(const AXElementRef& element, const std::string& attribute,
-                              const AXValue& value) override;
+    AXError setAttributeValue(const AXElementRef& element, const std::string& attribute, const AXValue& value) override;
     AXError performAction(const AXElementRef& element, const std::string& action) override;
 
 private:
@@ -36,7 +41,9 @@ private:
 class KWinAccessibilityTrust : public AccessibilityTrust {
 public:
     KWinAccessibilityTrust(PlasmaWindowManagement& windows, KWinAccessGrant grant = KWinAccessGrant())
-        : m_windows(windows), m_grant(std::move(grant)) {}
+        : m_windows(windows), m_grant(std::move(grant))
+    {
+    }
     bool isProcessTrusted(bool prompt) override;
 
 private:

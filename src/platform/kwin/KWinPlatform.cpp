@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "KWinPlatform.h"
 
 #include "HiddenWindowRecord.h"
@@ -29,8 +33,8 @@ KWinPlatform::KWinPlatform(const std::string& socketName)
       m_services(std::make_unique<Services>(*m_windows))
 {
     Services& s = *m_services;
-    m_platform = std::make_unique<Platform>(
-        s.shared.platformWith(s.workspace, s.accessibility, s.trust, s.accessSettings));
+    m_platform =
+        std::make_unique<Platform>(s.shared.platformWith(s.workspace, s.accessibility, s.trust, s.accessSettings));
 }
 
 KWinPlatform::~KWinPlatform() = default;

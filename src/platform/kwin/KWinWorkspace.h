@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include "DesktopEntries.h"
@@ -20,8 +24,8 @@ namespace stowly::kwin {
 // native Wayland and Xwayland alike (KWin lists both, with their pids).
 class KWinWorkspace : public Workspace, public linuxdesktop::ProcessWindows {
 public:
-    KWinWorkspace(PlasmaWindowManagement& windows, linuxdesktop::ProcStatusCache& proc, linuxdesktop::DesktopEntries& entries,
-                  HiddenWindowRecord& hidden);
+    KWinWorkspace(PlasmaWindowManagement& windows, linuxdesktop::ProcStatusCache& proc,
+                  linuxdesktop::DesktopEntries& entries, HiddenWindowRecord& hidden);
 
     std::vector<RunningApplicationRef> runningApplications() override;
     RunningApplicationRef runningApplication(std::int32_t processIdentifier) override;
@@ -35,8 +39,7 @@ public:
     std::vector<PlasmaWindowInfo> windowsOf(std::int32_t pid);
 
     bool isProcessAlive(std::int32_t pid) override { return m_liveness.isAlive(pid); }
-    std::optional<std::uint64_t> intendedStartTime(std::int32_t pid,
-                                                   std::optional<std::uint64_t> seen) const override
+    std::optional<std::uint64_t> intendedStartTime(std::int32_t pid, std::optional<std::uint64_t> seen) const override
     {
         return m_listed.intended(pid, seen);
     }

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // What KWin tells about one window through org_kde_plasma_window_management: a plain value,
 // copied out of the protocol objects so that callers never hold a Wayland proxy.
 #pragma once
@@ -22,9 +26,9 @@ struct PlasmaWindowInfo {
     std::string appId;        // xdg app id, or the X11 class for XWayland windows
     std::string resourceName; // empty before protocol version 16
     std::string title;
-    std::string parentUuid;   // the transient parent; empty for a top-level window
-    std::int32_t pid = 0;     // 0 when KWin does not know it
-    std::uint32_t state = 0;  // WindowState bits
+    std::string parentUuid;  // the transient parent; empty for a top-level window
+    std::int32_t pid = 0;    // 0 when KWin does not know it
+    std::uint32_t state = 0; // WindowState bits
 
     bool has(std::uint32_t bit) const { return (state & bit) != 0; }
     bool isTransient() const { return !parentUuid.empty(); }

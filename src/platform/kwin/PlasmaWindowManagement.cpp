@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "PlasmaWindowManagement.h"
 
 #include "WaylandConnection.h"
@@ -115,7 +119,7 @@ void PlasmaWindowManagement::connectAndBind()
     if (!connection_->isConnected())
         return;
     static const wl_registry_listener registryListener{&PlasmaWindowManagement::onGlobal,
-                                                        &PlasmaWindowManagement::onGlobalRemove};
+                                                       &PlasmaWindowManagement::onGlobalRemove};
     registry_ = wl_display_get_registry(connection_->display());
     wl_registry_add_listener(registry_, &registryListener, this);
     // The first answer brings the globals (and binds ours); the second, the windows that

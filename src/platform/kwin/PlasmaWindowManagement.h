@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // KWin's window list and window requests (org_kde_plasma_window_management). KWin offers the
 // global only to programs whose desktop entry grants it, so isGranted() is this platform's
 // form of "may act on other apps' windows".

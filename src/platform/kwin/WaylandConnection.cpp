@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "WaylandConnection.h"
 
 #include <QAbstractEventDispatcher>
@@ -10,8 +14,7 @@
 
 namespace stowly::kwin {
 
-WaylandConnection::WaylandConnection(const std::string& socketName, QObject* parent)
-    : QObject(parent)
+WaylandConnection::WaylandConnection(const std::string& socketName, QObject* parent) : QObject(parent)
 {
     display_ = wl_display_connect(socketName.empty() ? nullptr : socketName.c_str());
     if (display_ == nullptr)

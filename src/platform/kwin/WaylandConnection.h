@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // One client connection to a Wayland compositor, driven by Qt's event loop: events are read
 // when the socket becomes readable, and requests are flushed before the loop goes to sleep.
 #pragma once

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "DesktopEntries.h"
 
 #include "DesktopEntryFile.h"
@@ -20,7 +24,8 @@ namespace {
 std::string lower(std::string_view s)
 {
     std::string out(s);
-    std::transform(out.begin(), out.end(), out.begin(), [](unsigned char ch) { return static_cast<char>(std::tolower(ch)); });
+    std::transform(out.begin(), out.end(), out.begin(),
+                   [](unsigned char ch) { return static_cast<char>(std::tolower(ch)); });
     return out;
 }
 
@@ -151,7 +156,7 @@ void DesktopEntries::scan(const std::string& base, const std::string& dir, const
             continue;
         const std::string id = prefix + name.substr(0, name.size() - suffix.size());
         if (m_byId.count(id) != 0)
-            continue;   // an earlier directory takes precedence
+            continue; // an earlier directory takes precedence
         std::ifstream in(path);
         if (!in)
             continue;
@@ -160,11 +165,16 @@ void DesktopEntries::scan(const std::string& base, const std::string& dir, const
         std::size_t bestLocale = m_localeKeys.size();
         std::string localizedName;
         for (const auto& [key, value] : readDesktopEntryGroup(in)) {
-            if (key == "Type") type = value;
-            else if (key == "Name") plainName = value;
-            else if (key == "Icon") icon = value;
-            else if (key == "StartupWMClass") wmClass = value;
-            else if (key == "Hidden") hidden = value == "true";
+            if (key == "Type")
+                type = value;
+            else if (key == "Name")
+                plainName = value;
+            else if (key == "Icon")
+                icon = value;
+            else if (key == "StartupWMClass")
+                wmClass = value;
+            else if (key == "Hidden")
+                hidden = value == "true";
             else if (key.rfind("Name[", 0) == 0 && key.back() == ']') {
                 const std::string locale = key.substr(5, key.size() - 6);
                 for (std::size_t k = 0; k < bestLocale; ++k) {
@@ -182,8 +192,7 @@ void DesktopEntries::scan(const std::string& base, const std::string& dir, const
             continue;
         m_byId[id] = m_entries.size();
         // The format asks for UTF-8, but nothing enforces it: the name reaches the panel as text.
-        m_entries.push_back(
-            Entry{id, sanitizeUtf8(localizedName.empty() ? plainName : localizedName), icon, wmClass});
+        m_entries.push_back(Entry{id, sanitizeUtf8(localizedName.empty() ? plainName : localizedName), icon, wmClass});
     }
 }
 

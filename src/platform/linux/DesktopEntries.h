@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include <ctime>
@@ -13,10 +17,10 @@ namespace stowly::linuxdesktop {
 class DesktopEntries {
 public:
     struct Entry {
-        std::string id;               // desktop file id, e.g. "org.xfce.mousepad"
-        std::string name;             // Name, localized for the current locale
-        std::string icon;             // Icon key, possibly empty
-        std::string startupWmClass;   // StartupWMClass, possibly empty
+        std::string id;             // desktop file id, e.g. "org.xfce.mousepad"
+        std::string name;           // Name, localized for the current locale
+        std::string icon;           // Icon key, possibly empty
+        std::string startupWmClass; // StartupWMClass, possibly empty
     };
 
     // What a window says about the application that owns it.
@@ -43,7 +47,7 @@ private:
 
     std::vector<std::string> m_directories;
     std::vector<std::timespec> m_stamps;
-    std::vector<std::string> m_localeKeys;   // Name[...] keys in preference order
+    std::vector<std::string> m_localeKeys; // Name[...] keys in preference order
     std::vector<Entry> m_entries;
     std::unordered_map<std::string, std::size_t> m_byId;
     std::unordered_map<std::string, std::size_t> m_byIdLower;

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "ListedApplication.h"
 
 #include "ProcStat.h"
@@ -18,7 +22,7 @@ bool ListedApplication::terminate()
     const auto intended = m_windows.intendedStartTime(m_record.pid, m_record.startTime);
     const auto now = readProcStat(m_record.pid);
     if (!now || now->isZombie() || (intended && now->startTime != *intended))
-        return false;   // gone, or the pid is another process's by now: not its windows
+        return false; // gone, or the pid is another process's by now: not its windows
     if (m_windows.closeProcessWindows(m_record.pid))
         return true;
     // No window the app could close politely: a termination request it may handle.
@@ -50,8 +54,7 @@ std::optional<std::uint64_t> ListedStartTimes::intended(std::int32_t pid, std::o
     return listed != m_startTimes.end() ? std::optional<std::uint64_t>(listed->second) : seen;
 }
 
-RunningApplicationRef owningApplication(std::int32_t pid, const AppsByPid& apps, ProcStatusCache& proc,
-                                        AppsByPid* memo)
+RunningApplicationRef owningApplication(std::int32_t pid, const AppsByPid& apps, ProcStatusCache& proc, AppsByPid* memo)
 {
     std::vector<std::int32_t> visited;
     RunningApplicationRef found;

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include "ProcFs.h"
@@ -20,7 +24,7 @@ struct AppRecord {
     AppIconRef icon;
     bool hidden = false;
     bool active = false;
-    std::optional<std::uint64_t> startTime;   // of the process, when the listing read it
+    std::optional<std::uint64_t> startTime; // of the process, when the listing read it
 };
 
 // What a window system does with the windows of one process. Each backend's workspace
@@ -44,8 +48,7 @@ public:
 // very process (see signalListedProcess), never to one that took its pid over since.
 class ListedApplication : public RunningApplication {
 public:
-    ListedApplication(ProcessWindows& windows, AppRecord record)
-        : m_windows(windows), m_record(std::move(record)) {}
+    ListedApplication(ProcessWindows& windows, AppRecord record) : m_windows(windows), m_record(std::move(record)) {}
 
     std::int32_t processIdentifier() const override { return m_record.pid; }
     bool isTerminated() const override { return !m_windows.isProcessAlive(m_record.pid); }

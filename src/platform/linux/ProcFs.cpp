@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "ProcFs.h"
 
 #include <dirent.h>
@@ -63,7 +67,7 @@ std::optional<std::string> readProcFile(const std::string& path, std::size_t lim
             if (errno == EINTR)
                 continue;
             ::close(fd);
-            return std::nullopt;   // e.g. ESRCH when the process exited mid-read
+            return std::nullopt; // e.g. ESRCH when the process exited mid-read
         }
         if (n == 0)
             break;

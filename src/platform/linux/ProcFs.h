@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include "ProcStat.h"
@@ -19,11 +23,11 @@ struct ProcStatus {
     bool readable = false;
     char state = '?';
     std::int32_t ppid = -1;
-    std::optional<std::uint32_t> realUid, effectiveUid;   // the "Uid:" line's first two
+    std::optional<std::uint32_t> realUid, effectiveUid; // the "Uid:" line's first two
     std::optional<std::uint64_t> vmRssKb, rssAnonKb, rssShmemKb, vmSwapKb;
     // The "Name:" line as the kernel escapes it; equal to /proc/PID/comm unless it holds
     // a backslash (the kernel's escape character), which only comm gives unescaped.
-    std::string name;   // at most 15 bytes: never allocates
+    std::string name; // at most 15 bytes: never allocates
     bool nameIsExact = false;
 };
 
@@ -46,7 +50,7 @@ public:
 private:
     struct OpenFile {
         int fd = -1;
-        bool used = false;   // asked about in the current pass
+        bool used = false; // asked about in the current pass
     };
     bool readStatus(std::int32_t pid, std::size_t& length);
 
@@ -104,7 +108,7 @@ private:
     std::vector<std::int32_t> scan() const;
 
     ProcStatusCache& m_cache;
-    std::vector<std::int32_t> m_listing;   // from the counting call, for the filling call
+    std::vector<std::int32_t> m_listing; // from the counting call, for the filling call
     bool m_haveListing = false;
 };
 

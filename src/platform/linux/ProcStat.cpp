@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "ProcStat.h"
 
 #include <fcntl.h>
@@ -82,7 +86,7 @@ std::optional<ProcStat> parseProcStat(std::string_view text)
         return std::nullopt;
     stat.pid = static_cast<std::int32_t>(pid);
 
-    std::string_view rest = text.substr(close + 1);   // " S 1 ..."
+    std::string_view rest = text.substr(close + 1); // " S 1 ..."
     if (rest.size() < 3 || rest[0] != ' ' || rest[2] != ' ')
         return std::nullopt;
     stat.state = rest[1];

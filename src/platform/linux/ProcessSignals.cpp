@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "ProcessSignals.h"
 
 #include "ProcFs.h"
@@ -100,8 +104,7 @@ SignalVerdict judgeSignalTarget(const SignalSender& sender, const SignalTarget& 
     if (expectedStartTime && target.stat->startTime != *expectedStartTime)
         return SignalVerdict::replaced;
     // Without a readable owner we cannot tell whose it is: refuse rather than guess.
-    if (!target.realUid || !target.effectiveUid || *target.realUid != sender.uid ||
-        *target.effectiveUid != sender.uid)
+    if (!target.realUid || !target.effectiveUid || *target.realUid != sender.uid || *target.effectiveUid != sender.uid)
         return SignalVerdict::otherUser;
     return SignalVerdict::sent;
 }
@@ -112,8 +115,7 @@ SignalVerdict sendSignalGuarded(std::int32_t pid, int signal, std::optional<std:
     SignalTarget target;
     target.pid = pid;
     // The cheap refusals first: they need no look at the target.
-    if (const SignalVerdict early = judgeSignalTarget(sender, target, std::nullopt);
-        early != SignalVerdict::gone)
+    if (const SignalVerdict early = judgeSignalTarget(sender, target, std::nullopt); early != SignalVerdict::gone)
         return early;
 
     // Pin first, look second: whatever the look finds is, or was after, the pinned process.

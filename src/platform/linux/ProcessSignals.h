@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include "ProcStat.h"
@@ -10,14 +14,14 @@ namespace stowly::linuxdesktop {
 // Why a signal was or was not sent to a process.
 enum class SignalVerdict {
     sent,
-    gone,             // no such process, or a zombie
-    replaced,         // the pid now belongs to a process started after the one we listed
-    notAProcess,      // pid 0, 1 or negative: the whole group, init, or nonsense
+    gone,        // no such process, or a zombie
+    replaced,    // the pid now belongs to a process started after the one we listed
+    notAProcess, // pid 0, 1 or negative: the whole group, init, or nonsense
     ownProcess,
     parentProcess,
-    ownGroupOrSession,   // the leader of our process group or of our session
+    ownGroupOrSession, // the leader of our process group or of our session
     otherUser,
-    failed,           // the kernel refused
+    failed, // the kernel refused
 };
 
 // Short English reason, for the log.
@@ -37,7 +41,7 @@ struct SignalSender {
 // What we know about the target just before the signal.
 struct SignalTarget {
     std::int32_t pid = 0;
-    std::optional<ProcStat> stat;   // nullopt: could not be read
+    std::optional<ProcStat> stat; // nullopt: could not be read
     std::optional<std::uint32_t> realUid, effectiveUid;
 };
 

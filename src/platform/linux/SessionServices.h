@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include "DesktopEntries.h"
@@ -21,8 +25,8 @@ struct SessionServices {
                           AccessSettings& accessSettings)
     {
         processTable.onPassStart = [&workspace] { workspace.beginProcessPass(); };
-        return Platform{workspace, accessibility, trust, processTable, loginItems, urlOpener, preferences,
-                        accessSettings};
+        return Platform{workspace,  accessibility, trust,       processTable,
+                        loginItems, urlOpener,     preferences, accessSettings};
     }
 
     ProcStatusCache procCache;

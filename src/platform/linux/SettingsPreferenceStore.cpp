@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "SettingsPreferenceStore.h"
 
 namespace stowly::linuxdesktop {
@@ -20,14 +24,12 @@ std::optional<std::string> SettingsPreferenceStore::string(const std::string& ke
 std::optional<std::string> SettingsPreferenceStore::readableText(const QVariant& value)
 {
     switch (value.typeId()) {
-    case QMetaType::QString:
-        return value.toString().toStdString();
+    case QMetaType::QString: return value.toString().toStdString();
     case QMetaType::QStringList:
         // A hand-edited "enabledActions=minimize,hide" without quotes reads back as a list;
         // the text in the file is what the user meant.
         return value.toStringList().join(QLatin1Char(',')).toStdString();
-    case QMetaType::QByteArray:
-        return QString::fromUtf8(value.toByteArray()).toStdString();
+    case QMetaType::QByteArray: return QString::fromUtf8(value.toByteArray()).toStdString();
     default:
         // An @Variant(...) that did not load, an @Rect(...): nothing a reader could
         // take for the text, so the reader's default applies. The file keeps the value.

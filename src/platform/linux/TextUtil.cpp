@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "TextUtil.h"
 
 #include <cstdint>
@@ -19,12 +23,16 @@ std::size_t validSequenceLength(std::string_view s, std::size_t i)
         length = 2;
     } else if (b0 >= 0xE0 && b0 <= 0xEF) {
         length = 3;
-        if (b0 == 0xE0) lower = 0xA0;
-        if (b0 == 0xED) upper = 0x9F;
+        if (b0 == 0xE0)
+            lower = 0xA0;
+        if (b0 == 0xED)
+            upper = 0x9F;
     } else if (b0 >= 0xF0 && b0 <= 0xF4) {
         length = 4;
-        if (b0 == 0xF0) lower = 0x90;
-        if (b0 == 0xF4) upper = 0x8F;
+        if (b0 == 0xF0)
+            lower = 0x90;
+        if (b0 == 0xF4)
+            upper = 0x8F;
     } else {
         return 0;
     }

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "XdgAutostart.h"
 
 #include "DesktopEntryFile.h"
@@ -124,7 +128,9 @@ std::optional<std::string> XdgAutostart::registerMainApp()
                              "Type=Application\n"
                              "Name=Stowly\n"
                              "Comment=Minimize, hide, close or quit all apps from the tray\n"
-                             "Exec=" + execArgument(executable) + "\n"
+                             "Exec=" +
+                             execArgument(executable) +
+                             "\n"
                              "Icon=app.stowly.Stowly\n"
                              "Terminal=false\n"
                              "X-GNOME-Autostart-enabled=true\n";

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // The platform headers come before the system ones: HIServices defines macros such as
 // kAXWindowsAttribute that would otherwise rewrite the constants declared there.
 #include "MacAccessibility.h"
@@ -81,8 +85,8 @@ AXValue toAXValue(CFTypeRef value)
         AXElementList elements;
         elements.reserve(static_cast<std::size_t>(count));
         for (CFIndex i = 0; i < count; ++i)
-            elements.push_back(retainElement(
-                static_cast<AXUIElementRef>(const_cast<void*>(CFArrayGetValueAtIndex(array, i)))));
+            elements.push_back(
+                retainElement(static_cast<AXUIElementRef>(const_cast<void*>(CFArrayGetValueAtIndex(array, i)))));
         return elements;
     }
     return AXOther{typeName(type)};
@@ -125,8 +129,7 @@ CFOwned<CFTypeRef> toCFValue(const AXValue& value)
                 elements.push_back(element);
             }
             return CFOwned<CFTypeRef>(CFArrayCreate(kCFAllocatorDefault, elements.data(),
-                                                    static_cast<CFIndex>(elements.size()),
-                                                    &kCFTypeArrayCallBacks));
+                                                    static_cast<CFIndex>(elements.size()), &kCFTypeArrayCallBacks));
         }
     };
     return std::visit(Converter{}, value);
@@ -144,8 +147,7 @@ AXElementRef MacAccessibility::createApplication(std::int32_t processIdentifier)
     return std::make_shared<MacAXElement>(application);
 }
 
-AXError MacAccessibility::copyAttributeValue(const AXElementRef& element,
-                                             const std::string& attribute, AXValue& value)
+AXError MacAccessibility::copyAttributeValue(const AXElementRef& element, const std::string& attribute, AXValue& value)
 {
     const AXUIElementRef target = axElement(element);
     const auto name = makeCFString(attribute);
@@ -162,8 +164,8 @@ AXError MacAccessibility::copyAttributeValue(const AXElementRef& element,
     return kAXErrorSuccess;
 }
 
-AXError MacAccessibility::setAttributeValue(const AXElementRef& element,
-                                            const std::string& attribute, const AXValue& value)
+AXError MacAccessibility::setAttributeValue(const AXElementRef& element, const std::string& attribute,
+                                            const AXValue& value)
 {
     const AXUIElementRef target = axElement(element);
     const auto name = makeCFString(attribute);
@@ -190,8 +192,7 @@ bool MacAccessibilityTrust::isProcessTrusted(bool prompt)
     const void* keys[] = {key.get()};
     const void* values[] = {prompt ? kCFBooleanTrue : kCFBooleanFalse};
     const auto options = adoptCF(CFDictionaryCreate(kCFAllocatorDefault, keys, values, 1,
-                                                    &kCFTypeDictionaryKeyCallBacks,
-                                                    &kCFTypeDictionaryValueCallBacks));
+                                                    &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
     return AXIsProcessTrustedWithOptions(options.get()) != 0;
 }
 

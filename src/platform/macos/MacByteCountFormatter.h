@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 // Plain C++ on purpose: the core's formatter can call it from a .cpp file on macOS.

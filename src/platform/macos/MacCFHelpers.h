@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 // Core Foundation ownership and string conversion shared by the backend's .mm files.
@@ -33,10 +37,8 @@ CFOwned<Ref> adoptCF(Ref object) noexcept
 // UTF-8 text to a new CFString; invalid UTF-8 yields null rather than a mangled name.
 inline CFOwned<CFStringRef> makeCFString(const std::string& text)
 {
-    return adoptCF(CFStringCreateWithBytes(kCFAllocatorDefault,
-                                           reinterpret_cast<const UInt8*>(text.data()),
-                                           static_cast<CFIndex>(text.size()),
-                                           kCFStringEncodingUTF8, false));
+    return adoptCF(CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(text.data()),
+                                           static_cast<CFIndex>(text.size()), kCFStringEncodingUTF8, false));
 }
 
 // A CFString as UTF-8. A character UTF-8 cannot carry (a lone surrogate) becomes '?'.
@@ -53,8 +55,8 @@ inline std::string toUtf8(CFStringRef string)
     CFStringGetBytes(string, all, kCFStringEncodingUTF8, '?', false, nullptr, 0, &needed);
     std::string out(static_cast<std::size_t>(needed), '\0');
     CFIndex written = 0;
-    CFStringGetBytes(string, all, kCFStringEncodingUTF8, '?', false,
-                     reinterpret_cast<UInt8*>(out.data()), needed, &written);
+    CFStringGetBytes(string, all, kCFStringEncodingUTF8, '?', false, reinterpret_cast<UInt8*>(out.data()), needed,
+                     &written);
     out.resize(static_cast<std::size_t>(written));
     return out;
 }

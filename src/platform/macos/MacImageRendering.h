@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 // Objective-C++ only: turns AppKit images into the toolkit-free AppIcon pixels.

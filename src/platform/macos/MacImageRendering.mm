@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "MacImageRendering.h"
 
 #include "MacCFHelpers.h"
@@ -26,17 +30,16 @@ AppIconRef renderImage(NSImage* image, int pixelSize)
         return nullptr;
     // R, G, B, A bytes in memory order, premultiplied: the one 8-bit RGBA layout with
     // alpha that Core Graphics draws into.
-    const auto context = adoptCF(CGBitmapContextCreate(
-        rgba.data(), side, side, 8, bytesPerRow, colorSpace.get(),
-        static_cast<CGBitmapInfo>(kCGImageAlphaPremultipliedLast) | kCGBitmapByteOrder32Big));
+    const auto context = adoptCF(
+        CGBitmapContextCreate(rgba.data(), side, side, 8, bytesPerRow, colorSpace.get(),
+                              static_cast<CGBitmapInfo>(kCGImageAlphaPremultipliedLast) | kCGBitmapByteOrder32Big));
     if (context == nullptr)
         return nullptr;
 
     // The pool lets the AppKit context (which retains the bitmap context) go before
     // the pixel buffer does.
     @autoreleasepool {
-        NSGraphicsContext* graphics = [NSGraphicsContext graphicsContextWithCGContext:context.get()
-                                                                              flipped:NO];
+        NSGraphicsContext* graphics = [NSGraphicsContext graphicsContextWithCGContext:context.get() flipped:NO];
         [NSGraphicsContext saveGraphicsState];
         NSGraphicsContext.currentContext = graphics;
         graphics.imageInterpolation = NSImageInterpolationHigh;
@@ -63,8 +66,7 @@ AppIconRef renderImage(NSImage* image, int pixelSize)
             const std::uint32_t value = (channel * 255 + alpha / 2) / alpha;
             return value > 255 ? 255 : value;
         };
-        icon->argb[i] = (alpha << 24) | (straight(pixel[0]) << 16) | (straight(pixel[1]) << 8)
-            | straight(pixel[2]);
+        icon->argb[i] = (alpha << 24) | (straight(pixel[0]) << 16) | (straight(pixel[1]) << 8) | straight(pixel[2]);
     }
     return icon;
 }

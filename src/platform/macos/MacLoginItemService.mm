@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "MacLoginItemService.h"
 
 #import <Foundation/Foundation.h>
@@ -19,14 +23,10 @@ std::string describe(NSError* error)
 LoginItemStatus MacLoginItemService::status()
 {
     switch (SMAppService.mainAppService.status) {
-    case SMAppServiceStatusNotRegistered:
-        return LoginItemStatus::notRegistered;
-    case SMAppServiceStatusEnabled:
-        return LoginItemStatus::enabled;
-    case SMAppServiceStatusRequiresApproval:
-        return LoginItemStatus::requiresApproval;
-    case SMAppServiceStatusNotFound:
-        return LoginItemStatus::notFound;
+    case SMAppServiceStatusNotRegistered: return LoginItemStatus::notRegistered;
+    case SMAppServiceStatusEnabled: return LoginItemStatus::enabled;
+    case SMAppServiceStatusRequiresApproval: return LoginItemStatus::requiresApproval;
+    case SMAppServiceStatusNotFound: return LoginItemStatus::notFound;
     }
     // A status newer than this SDK: not launching at login as far as we can tell.
     return LoginItemStatus::notFound;

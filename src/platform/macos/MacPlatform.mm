@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // The platform headers come first: see MacAccessibility.mm.
 #include "MacPlatform.h"
 
@@ -23,10 +27,10 @@ struct MacPlatform::Services {
 };
 
 MacPlatform::MacPlatform()
-    : m_services(std::make_unique<Services>())
-    , m_platform{m_services->workspace,    m_services->accessibility, m_services->trust,
-                 m_services->processTable, m_services->loginItems,    m_services->urlOpener,
-                 m_services->preferences,  m_services->accessSettings}
+    : m_services(std::make_unique<Services>()), m_platform{m_services->workspace,   m_services->accessibility,
+                                                           m_services->trust,       m_services->processTable,
+                                                           m_services->loginItems,  m_services->urlOpener,
+                                                           m_services->preferences, m_services->accessSettings}
 {
 }
 

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "MacProcessTable.h"
 
 #include <libproc.h>
@@ -10,8 +14,7 @@
 namespace stowly::macos {
 
 static_assert(sizeof(pid_t) == sizeof(std::int32_t), "pid buffers are handed to libproc as they are");
-static_assert(sizeof(struct proc_taskinfo) == kTaskInfoSize,
-              "the logic tests for a whole proc_taskinfo by its size");
+static_assert(sizeof(struct proc_taskinfo) == kTaskInfoSize, "the logic tests for a whole proc_taskinfo by its size");
 static_assert(sizeof(struct rusage_info_v4) == 296, "rusage_info_v4 as the kernel fills it");
 static_assert(std::is_same_v<decltype(rusage_info_v4::ri_phys_footprint), uint64_t>);
 static_assert(std::is_same_v<decltype(proc_taskinfo::pti_resident_size), uint64_t>);

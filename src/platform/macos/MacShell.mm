@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "MacShell.h"
 
 #include "MacImageRendering.h"
@@ -43,7 +47,7 @@ NSImage* statusBarNSImage()
             fraction:1.0];
     [image unlockFocus];
     image.size = size;
-    [image setTemplate:NO];   // "template" is a C++ keyword, so no dot syntax here
+    [image setTemplate:NO]; // "template" is a C++ keyword, so no dot syntax here
     return image;
 }
 

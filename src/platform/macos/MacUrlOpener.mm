@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "MacUrlOpener.h"
 
 #import <AppKit/AppKit.h>
@@ -6,9 +10,7 @@ namespace stowly::macos {
 
 bool MacUrlOpener::openUrl(const std::string& url)
 {
-    NSString* text = [[NSString alloc] initWithBytes:url.data()
-                                              length:url.size()
-                                            encoding:NSUTF8StringEncoding];
+    NSString* text = [[NSString alloc] initWithBytes:url.data() length:url.size() encoding:NSUTF8StringEncoding];
     if (text == nil)
         return false;
     // Text that does not form a URL opens nothing.

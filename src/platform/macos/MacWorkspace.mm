@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "MacWorkspace.h"
 
 #include "ActivationPolicyCode.h"
@@ -29,10 +33,7 @@ std::optional<std::string> toOptionalString(NSString* text)
 // within one synchronous refresh they describe the app as the workspace last saw it.
 class MacRunningApplication final : public RunningApplication {
 public:
-    explicit MacRunningApplication(NSRunningApplication* application)
-        : m_application(application)
-    {
-    }
+    explicit MacRunningApplication(NSRunningApplication* application) : m_application(application) {}
 
     std::int32_t processIdentifier() const override { return m_application.processIdentifier; }
     bool isTerminated() const override { return m_application.terminated; }
@@ -42,10 +43,7 @@ public:
         return activationPolicyFromCode(m_application.activationPolicy);
     }
 
-    std::optional<std::string> localizedName() const override
-    {
-        return toOptionalString(m_application.localizedName);
-    }
+    std::optional<std::string> localizedName() const override { return toOptionalString(m_application.localizedName); }
 
     std::optional<std::string> bundleIdentifier() const override
     {
@@ -77,7 +75,7 @@ public:
     }
 
 private:
-    NSRunningApplication* m_application;   // strong (ARC)
+    NSRunningApplication* m_application; // strong (ARC)
     mutable AppIconRef m_icon;
     mutable bool m_iconRendered = false;
 };

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include "WindowSnapshot.h"
@@ -23,7 +27,7 @@ public:
 private:
     std::int32_t m_ownPid;
     xcb_window_t m_remembered = XCB_NONE;
-    std::uint64_t m_generation = 0;   // of the connection m_remembered belongs to
+    std::uint64_t m_generation = 0; // of the connection m_remembered belongs to
 };
 
 } // namespace stowly::x11

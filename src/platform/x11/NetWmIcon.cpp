@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "NetWmIcon.h"
 
 #include <algorithm>
@@ -7,8 +11,8 @@ namespace stowly::x11 {
 
 namespace {
 
-constexpr std::uint64_t kMaxSide = 16384;   // beyond this an entry is garbage
-constexpr int kMaxKeptSide = 256;           // we never keep more pixels than this per side
+constexpr std::uint64_t kMaxSide = 16384; // beyond this an entry is garbage
+constexpr int kMaxKeptSide = 256;         // we never keep more pixels than this per side
 
 // Box-filter down-scaling so a huge icon costs little to keep and to draw.
 AppIconRef scaledDown(const std::uint32_t* pixels, int width, int height)
@@ -40,7 +44,8 @@ AppIconRef scaledDown(const std::uint32_t* pixels, int width, int height)
             std::uint32_t out = 0;
             for (int c = 0; c < 4; ++c)
                 out |= static_cast<std::uint32_t>(sum[c] / n) << (8 * c);
-            icon->argb[static_cast<std::size_t>(y) * static_cast<std::size_t>(outWidth) + static_cast<std::size_t>(x)] = out;
+            icon->argb[static_cast<std::size_t>(y) * static_cast<std::size_t>(outWidth) + static_cast<std::size_t>(x)] =
+                out;
         }
     }
     return icon;
@@ -52,7 +57,7 @@ AppIconRef decodeNetWmIcon(const std::uint32_t* data, std::size_t count, int wan
 {
     if (data == nullptr)
         return nullptr;
-    std::size_t best = count;   // offset of the chosen entry
+    std::size_t best = count; // offset of the chosen entry
     std::uint64_t bestWidth = 0, bestHeight = 0;
     long bestDistance = 0;
     std::size_t i = 0;

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "WindowManagerSettings.h"
 
 #include "TextUtil.h"
@@ -14,10 +18,10 @@ namespace stowly::x11 {
 namespace {
 
 struct KnownSettings {
-    const char* windowManager;   // lower-case part of the check window's name
-    const char* desktop;         // an XDG_CURRENT_DESKTOP entry, upper-case
+    const char* windowManager; // lower-case part of the check window's name
+    const char* desktop;       // an XDG_CURRENT_DESKTOP entry, upper-case
     const char* title;
-    std::vector<QStringList> commands;   // the first one installed is used
+    std::vector<QStringList> commands; // the first one installed is used
 };
 
 const std::vector<KnownSettings>& knownSettings()
@@ -25,7 +29,9 @@ const std::vector<KnownSettings>& knownSettings()
     static const std::vector<KnownSettings> known = {
         {"openbox", "LXDE", "Openbox Configuration Manager", {{QStringLiteral("obconf")}}},
         {"xfwm4", "XFCE", "Window Manager Settings", {{QStringLiteral("xfwm4-settings")}}},
-        {"kwin", "KDE", "System Settings",
+        {"kwin",
+         "KDE",
+         "System Settings",
          {{QStringLiteral("systemsettings"), QStringLiteral("kcm_kwinoptions")},
           {QStringLiteral("systemsettings5"), QStringLiteral("kcm_kwinoptions")}}},
         {"marco", "MATE", "Window Preferences", {{QStringLiteral("mate-window-properties")}}},
@@ -36,8 +42,8 @@ const std::vector<KnownSettings>& knownSettings()
     return known;
 }
 
-std::optional<WindowManagerSettings::Program>
-installed(const KnownSettings& settings, const std::function<QString(const QString&)>& findExecutable)
+std::optional<WindowManagerSettings::Program> installed(const KnownSettings& settings,
+                                                        const std::function<QString(const QString&)>& findExecutable)
 {
     for (const QStringList& command : settings.commands) {
         const QString path = findExecutable(command.front());
@@ -60,7 +66,7 @@ WindowManagerSettings::programFor(const std::optional<std::string>& windowManage
             if (name.contains(QLatin1String(settings.windowManager)))
                 return installed(settings, findExecutable);
         }
-        return std::nullopt;   // a window manager we know no settings program of
+        return std::nullopt; // a window manager we know no settings program of
     }
     for (const QString& desktop : QString::fromStdString(currentDesktops).split(QLatin1Char(':'), Qt::SkipEmptyParts)) {
         for (const KnownSettings& settings : knownSettings()) {
@@ -117,7 +123,8 @@ std::optional<std::string> WindowManagerSettings::runningWindowManagerName()
     // The name of a running window manager does not change: read it once per check window.
     if (checkWindow != m_checkWindow || m_x.generation() != m_checkGeneration) {
         std::string name = readProperty(checkWindow, m_x.atom(Atom::NET_WM_NAME), m_x.atom(Atom::UTF8_STRING), 256);
-        m_windowManagerName = name.empty() ? std::nullopt : std::optional<std::string>(linuxdesktop::sanitizeUtf8(name));
+        m_windowManagerName =
+            name.empty() ? std::nullopt : std::optional<std::string>(linuxdesktop::sanitizeUtf8(name));
         m_checkWindow = checkWindow;
         m_checkGeneration = m_x.generation();
     }

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include "XConnection.h"
@@ -19,8 +23,8 @@ namespace stowly::x11 {
 class WindowManagerSettings : public AccessSettings {
 public:
     struct Program {
-        std::string title;    // "Openbox Configuration Manager"
-        QString executable;   // full path
+        std::string title;  // "Openbox Configuration Manager"
+        QString executable; // full path
         QStringList arguments;
     };
 
@@ -41,7 +45,7 @@ private:
     std::optional<std::string> runningWindowManagerName();
 
     XConnection& m_x;
-    xcb_window_t m_checkWindow = XCB_NONE;   // the name below is this window's
+    xcb_window_t m_checkWindow = XCB_NONE; // the name below is this window's
     std::uint64_t m_checkGeneration = 0;
     std::optional<std::string> m_windowManagerName;
 };

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include "WindowSnapshot.h"
@@ -12,7 +16,7 @@ namespace stowly::x11 {
 // One GetProperty answer: its type, its format, and the value bytes that whole items of
 // that format cover. Anything a client wrote is possible here; nothing in it is trusted.
 struct PropertyValue {
-    bool present = false;   // the window has the property and its format is 8, 16 or 32
+    bool present = false; // the window has the property and its format is 8, 16 or 32
     xcb_atom_t type = XCB_NONE;
     std::uint8_t format = 0;
     std::string_view bytes;
@@ -28,8 +32,19 @@ PropertyValue checkedPropertyValue(xcb_atom_t type, int format, const void* data
 
 // The properties a snapshot reads for each window, in the order their requests are sent.
 enum WindowProperty {
-    kPid, kType, kState, kWmState, kWmClass, kHidden, kTransient, kProtocols, kGtkId, kKdeFile, kNetName,
-    kWmName, kWindowPropertyCount
+    kPid,
+    kType,
+    kState,
+    kWmState,
+    kWmClass,
+    kHidden,
+    kTransient,
+    kProtocols,
+    kGtkId,
+    kKdeFile,
+    kNetName,
+    kWmName,
+    kWindowPropertyCount
 };
 
 // The atoms that tell property values apart, interned once per connection.

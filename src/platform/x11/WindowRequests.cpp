@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "WindowRequests.h"
 
 #include <xcb/xcb_icccm.h>
@@ -10,7 +14,7 @@ namespace stowly::x11 {
 
 namespace {
 
-constexpr std::uint32_t kSourcePager = 2;   // EWMH source indication of a pager/taskbar
+constexpr std::uint32_t kSourcePager = 2; // EWMH source indication of a pager/taskbar
 
 struct Existence {
     AXError error = kAXErrorSuccess;

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "WindowSnapshot.h"
 
 #include "NetWmIcon.h"
@@ -9,18 +13,18 @@
 
 #include <algorithm>
 #include <array>
-#include <unordered_map>
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
+#include <unordered_map>
 
 namespace stowly::x11 {
 
 namespace {
 
-constexpr std::uint32_t kMaxListLongs = 1u << 16;     // client lists, atom lists
-constexpr std::uint32_t kMaxTextLongs = 1u << 12;     // 16 KiB of text is plenty
-constexpr std::uint32_t kMaxIconLongs = 1u << 20;     // 4 MiB: a 1024x1024 icon
+constexpr std::uint32_t kMaxListLongs = 1u << 16; // client lists, atom lists
+constexpr std::uint32_t kMaxTextLongs = 1u << 12; // 16 KiB of text is plenty
+constexpr std::uint32_t kMaxIconLongs = 1u << 20; // 4 MiB: a 1024x1024 icon
 
 // One GetProperty reply with its value checked against its declared format.
 struct Property : PropertyValue {
@@ -43,13 +47,12 @@ void collect(xcb_connection_t* c, xcb_get_property_cookie_t cookie, Property& ou
     }
     if (out.reply == nullptr)
         return;
-    static_cast<PropertyValue&>(out) = checkedPropertyValue(out.reply->type, out.reply->format,
-                                                            xcb_get_property_value(out.reply),
-                                                            xcb_get_property_value_length(out.reply));
+    static_cast<PropertyValue&>(out) =
+        checkedPropertyValue(out.reply->type, out.reply->format, xcb_get_property_value(out.reply),
+                             xcb_get_property_value_length(out.reply));
 }
 
-xcb_get_property_cookie_t request(xcb_connection_t* c, xcb_window_t window, xcb_atom_t property,
-                                  std::uint32_t maxLongs)
+xcb_get_property_cookie_t request(xcb_connection_t* c, xcb_window_t window, xcb_atom_t property, std::uint32_t maxLongs)
 {
     return xcb_get_property_unchecked(c, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, maxLongs);
 }
@@ -59,14 +62,22 @@ constexpr int kPropCount = kWindowPropertyCount;
 // The atoms of the WindowProperty order.
 std::array<xcb_atom_t, kPropCount> propertyAtoms(const XConnection& x)
 {
-    return {x.atom(Atom::NET_WM_PID), x.atom(Atom::NET_WM_WINDOW_TYPE), x.atom(Atom::NET_WM_STATE),
-            x.atom(Atom::WM_STATE), XCB_ATOM_WM_CLASS, x.atom(Atom::STOWLY_HIDDEN), XCB_ATOM_WM_TRANSIENT_FOR,
-            x.atom(Atom::WM_PROTOCOLS), x.atom(Atom::GTK_APPLICATION_ID), x.atom(Atom::KDE_NET_WM_DESKTOP_FILE),
-            x.atom(Atom::NET_WM_NAME), XCB_ATOM_WM_NAME};
+    return {x.atom(Atom::NET_WM_PID),
+            x.atom(Atom::NET_WM_WINDOW_TYPE),
+            x.atom(Atom::NET_WM_STATE),
+            x.atom(Atom::WM_STATE),
+            XCB_ATOM_WM_CLASS,
+            x.atom(Atom::STOWLY_HIDDEN),
+            XCB_ATOM_WM_TRANSIENT_FOR,
+            x.atom(Atom::WM_PROTOCOLS),
+            x.atom(Atom::GTK_APPLICATION_ID),
+            x.atom(Atom::KDE_NET_WM_DESKTOP_FILE),
+            x.atom(Atom::NET_WM_NAME),
+            XCB_ATOM_WM_NAME};
 }
 
-constexpr std::array<std::uint32_t, kPropCount> kPropLongs = {1, 64, 64, 2, kMaxTextLongs, 1, 1, 64, kMaxTextLongs,
-                                                               kMaxTextLongs, kMaxTextLongs, kMaxTextLongs};
+constexpr std::array<std::uint32_t, kPropCount> kPropLongs = {
+    1, 64, 64, 2, kMaxTextLongs, 1, 1, 64, kMaxTextLongs, kMaxTextLongs, kMaxTextLongs, kMaxTextLongs};
 
 struct WindowCookies {
     std::array<xcb_get_property_cookie_t, kPropCount> prop{};
@@ -318,14 +329,13 @@ std::shared_ptr<const WindowSnapshot> takeWindowSnapshot(XConnection& x, IconCac
 std::shared_ptr<const WindowSnapshot> currentWindowSnapshot(XConnection& x, IconCache& icons)
 {
     if (x.ensureConnected()) {
-        x.drainEvents();   // also notices a server that went away
+        x.drainEvents(); // also notices a server that went away
         auto latest = x.latestSnapshot();
         if (x.isConnected() && latest && latest->connected && latest->withIcons &&
             latest->generation == x.generation() && !x.clientListChangedSince(latest->listSerial) &&
             !x.rootStateChangedSince(latest->listSerial) &&
-            std::none_of(latest->windows.begin(), latest->windows.end(), [&](const ClientWindow& w) {
-                return !unchangedSince(x, w, latest->serial);
-            }))
+            std::none_of(latest->windows.begin(), latest->windows.end(),
+                         [&](const ClientWindow& w) { return !unchangedSince(x, w, latest->serial); }))
             return latest;
     }
     return takeWindowSnapshot(x, &icons);
@@ -334,15 +344,14 @@ std::shared_ptr<const WindowSnapshot> currentWindowSnapshot(XConnection& x, Icon
 std::shared_ptr<const WindowSnapshot> windowSnapshotFor(XConnection& x, std::int32_t pid)
 {
     if (x.ensureConnected()) {
-        x.drainEventsOlderThan(kWalkStepFreshness);   // also notices a server that went away
+        x.drainEventsOlderThan(kWalkStepFreshness); // also notices a server that went away
         auto latest = x.latestSnapshot();
         if (x.isConnected() && latest && latest->connected && latest->generation == x.generation() &&
             !x.clientListChangedSince(latest->listSerial)) {
-            const bool unchanged = std::none_of(latest->windows.begin(), latest->windows.end(),
-                                                [&](const ClientWindow& w) {
-                                                    return w.pid == pid &&
-                                                           !unchangedSince(x, w, latest->serial);
-                                                });
+            const bool unchanged =
+                std::none_of(latest->windows.begin(), latest->windows.end(), [&](const ClientWindow& w) {
+                    return w.pid == pid && !unchangedSince(x, w, latest->serial);
+                });
             if (unchanged)
                 return latest;
         }

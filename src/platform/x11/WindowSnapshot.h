@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include "XConnection.h"
@@ -16,35 +20,35 @@ namespace stowly::x11 {
 // How EWMH/ICCCM describe one managed client window, as far as this backend cares.
 struct ClientWindow {
     xcb_window_t id = 0;
-    bool vanished = false;              // the server said BadWindow while we read it
-    std::int32_t pid = 0;               // 0 when unknown
-    std::vector<xcb_atom_t> types;      // _NET_WM_WINDOW_TYPE, in preference order
-    std::vector<xcb_atom_t> states;     // _NET_WM_STATE
-    bool iconicByWmState = false;       // ICCCM WM_STATE is IconicState
-    bool stowlyHidden = false;          // carries our _STOWLY_HIDDEN mark
-    bool transient = false;             // has WM_TRANSIENT_FOR
-    bool supportsDelete = false;        // WM_PROTOCOLS lists WM_DELETE_WINDOW
-    std::optional<std::string> wmClassInstance;   // UTF-8
-    std::optional<std::string> wmClassClass;      // UTF-8
+    bool vanished = false;                      // the server said BadWindow while we read it
+    std::int32_t pid = 0;                       // 0 when unknown
+    std::vector<xcb_atom_t> types;              // _NET_WM_WINDOW_TYPE, in preference order
+    std::vector<xcb_atom_t> states;             // _NET_WM_STATE
+    bool iconicByWmState = false;               // ICCCM WM_STATE is IconicState
+    bool stowlyHidden = false;                  // carries our _STOWLY_HIDDEN mark
+    bool transient = false;                     // has WM_TRANSIENT_FOR
+    bool supportsDelete = false;                // WM_PROTOCOLS lists WM_DELETE_WINDOW
+    std::optional<std::string> wmClassInstance; // UTF-8
+    std::optional<std::string> wmClassClass;    // UTF-8
     std::optional<std::string> gtkApplicationId;
     std::optional<std::string> kdeDesktopFile;
-    std::optional<std::string> title;             // UTF-8
+    std::optional<std::string> title; // UTF-8
     AppIconRef icon;
 
     bool hasState(xcb_atom_t atom) const;
-    bool isMinimized(const XConnection& x) const;   // WM_STATE Iconic or _NET_WM_STATE_HIDDEN
+    bool isMinimized(const XConnection& x) const; // WM_STATE Iconic or _NET_WM_STATE_HIDDEN
 };
 
 struct WindowSnapshot {
     bool connected = false;
     std::uint64_t generation = 0;
-    std::vector<ClientWindow> windows;            // _NET_CLIENT_LIST order
-    std::vector<xcb_window_t> stacking;           // _NET_CLIENT_LIST_STACKING, bottom to top
+    std::vector<ClientWindow> windows;  // _NET_CLIENT_LIST order
+    std::vector<xcb_window_t> stacking; // _NET_CLIENT_LIST_STACKING, bottom to top
     xcb_window_t activeWindow = 0;
     std::chrono::steady_clock::time_point takenAt;
-    std::uint64_t listSerial = 0;   // XConnection::eventSerial() as the root's lists were read
-    std::uint64_t serial = 0;       // XConnection::eventSerial() as its windows were read
-    bool withIcons = false;     // read with an icon cache: every window's icon is filled in
+    std::uint64_t listSerial = 0; // XConnection::eventSerial() as the root's lists were read
+    std::uint64_t serial = 0;     // XConnection::eventSerial() as its windows were read
+    bool withIcons = false;       // read with an icon cache: every window's icon is filled in
 };
 
 // Icons decoded once per window and kept while the window is listed: icons rarely change

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "WindowTypes.h"
 
 namespace stowly::x11 {
@@ -5,8 +9,8 @@ namespace stowly::x11 {
 xcb_atom_t effectiveWindowType(const XConnection& x, const ClientWindow& window)
 {
     static constexpr Atom kKnown[] = {
-        Atom::NET_WM_WINDOW_TYPE_NORMAL,  Atom::NET_WM_WINDOW_TYPE_DIALOG,  Atom::NET_WM_WINDOW_TYPE_UTILITY,
-        Atom::NET_WM_WINDOW_TYPE_TOOLBAR, Atom::NET_WM_WINDOW_TYPE_MENU,    Atom::NET_WM_WINDOW_TYPE_SPLASH,
+        Atom::NET_WM_WINDOW_TYPE_NORMAL,  Atom::NET_WM_WINDOW_TYPE_DIALOG, Atom::NET_WM_WINDOW_TYPE_UTILITY,
+        Atom::NET_WM_WINDOW_TYPE_TOOLBAR, Atom::NET_WM_WINDOW_TYPE_MENU,   Atom::NET_WM_WINDOW_TYPE_SPLASH,
         Atom::NET_WM_WINDOW_TYPE_DESKTOP, Atom::NET_WM_WINDOW_TYPE_DOCK,
     };
     for (const xcb_atom_t type : window.types)

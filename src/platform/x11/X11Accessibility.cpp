@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "X11Accessibility.h"
 
 #include "WindowRequests.h"
@@ -17,11 +21,13 @@ struct ApplicationElement : AXElement {
 
 struct WindowElement : AXElement {
     WindowElement(std::shared_ptr<const ClientWindow> info, std::uint64_t generation)
-        : info(std::move(info)), generation(generation) {}
+        : info(std::move(info)), generation(generation)
+    {
+    }
     // As read together with the window list; shares the snapshot it belongs to rather
     // than copying the window's strings for every element of a walk.
     std::shared_ptr<const ClientWindow> info;
-    std::uint64_t generation;     // of the connection the id belongs to
+    std::uint64_t generation; // of the connection the id belongs to
 };
 
 struct CloseButtonElement : AXElement {
@@ -58,8 +64,7 @@ AXElementRef X11Accessibility::createApplication(std::int32_t processIdentifier)
     return std::make_shared<ApplicationElement>(processIdentifier);
 }
 
-AXError X11Accessibility::copyAttributeValue(const AXElementRef& element, const std::string& attribute,
-                                               AXValue& value)
+AXError X11Accessibility::copyAttributeValue(const AXElementRef& element, const std::string& attribute, AXValue& value)
 {
     value = AXAbsent{};
     if (!element)
@@ -123,7 +128,7 @@ AXError X11Accessibility::copyAttributeValue(const AXElementRef& element, const 
 }
 
 AXError X11Accessibility::setAttributeValue(const AXElementRef& element, const std::string& attribute,
-                                              const AXValue& value)
+                                            const AXValue& value)
 {
     const auto* window = dynamic_cast<const WindowElement*>(element.get());
     if (window == nullptr)
@@ -154,13 +159,13 @@ AXError X11Accessibility::performAction(const AXElementRef& element, const std::
 
 bool X11AccessibilityTrust::isProcessTrusted(bool prompt)
 {
-    (void)prompt;   // X11 has no access prompt: asking is the same query
+    (void)prompt; // X11 has no access prompt: asking is the same query
     if (!m_x.ensureConnected())
         return false;
     m_x.drainEvents();
     xcb_connection_t* c = m_x.get();
-    const auto checkCookie = xcb_get_property_unchecked(c, 0, m_x.root(), m_x.atom(Atom::NET_SUPPORTING_WM_CHECK),
-                                                        XCB_ATOM_WINDOW, 0, 1);
+    const auto checkCookie =
+        xcb_get_property_unchecked(c, 0, m_x.root(), m_x.atom(Atom::NET_SUPPORTING_WM_CHECK), XCB_ATOM_WINDOW, 0, 1);
     const auto supportedCookie =
         xcb_get_property_unchecked(c, 0, m_x.root(), m_x.atom(Atom::NET_SUPPORTED), XCB_ATOM_ATOM, 0, 4096);
     xcb_window_t check = XCB_NONE;

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include "WindowSnapshot.h"
@@ -15,8 +19,7 @@ public:
 
     AXElementRef createApplication(std::int32_t processIdentifier) override;
     AXError copyAttributeValue(const AXElementRef& element, const std::string& attribute, AXValue& value) override;
-    AXError setAttributeValue(const AXElementRef& element, const std::string& attribute,
-                              const AXValue& value) override;
+    AXError setAttributeValue(const AXElementRef& element, const std::string& attribute, const AXValue& value) override;
     AXError performAction(const AXElementRef& element, const std::string& action) override;
 
 private:

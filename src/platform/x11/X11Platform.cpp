@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "X11Platform.h"
 
 #include "SessionServices.h"
@@ -22,12 +26,11 @@ struct X11Platform::Services {
 };
 
 X11Platform::X11Platform(const std::string& display)
-    : m_connection(std::make_unique<XConnection>(display)),
-      m_services(std::make_unique<Services>(*m_connection))
+    : m_connection(std::make_unique<XConnection>(display)), m_services(std::make_unique<Services>(*m_connection))
 {
     Services& s = *m_services;
-    m_platform = std::make_unique<Platform>(
-        s.shared.platformWith(s.workspace, s.accessibility, s.trust, s.accessSettings));
+    m_platform =
+        std::make_unique<Platform>(s.shared.platformWith(s.workspace, s.accessibility, s.trust, s.accessSettings));
 }
 
 X11Platform::~X11Platform() = default;

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "X11Workspace.h"
 
 #include "WindowRequests.h"
@@ -56,7 +60,7 @@ X11Workspace::buildTable(const std::shared_ptr<const WindowSnapshot>& snapshot)
     std::unordered_map<std::int32_t, std::vector<const ClientWindow*>> windowsByPid;
     for (const ClientWindow& w : snapshot->windows) {
         if (w.vanished || w.pid <= 0)
-            continue;   // a window of unknown owner cannot be attributed or acted on
+            continue; // a window of unknown owner cannot be attributed or acted on
         auto& list = windowsByPid[w.pid];
         if (list.empty())
             order.push_back(w.pid);
@@ -82,7 +86,7 @@ X11Workspace::buildTable(const std::shared_ptr<const WindowSnapshot>& snapshot)
         state.hidden = allHidden;
         for (const ClientWindow* w : windows) {
             const linuxdesktop::DesktopEntries::Hints hints{&w->gtkApplicationId, &w->kdeDesktopFile, &w->wmClassClass,
-                                              &w->wmClassInstance};
+                                                            &w->wmClassInstance};
             if (const linuxdesktop::DesktopEntries::Entry* entry = m_entries.match(hints)) {
                 state.name = entry->name;
                 state.bundleId = entry->id;
@@ -113,8 +117,7 @@ std::vector<RunningApplicationRef> X11Workspace::runningApplications()
 {
     std::shared_ptr<const AppTable> table;
     // Within a refresh the process walk came first; its snapshot is the same moment.
-    if (m_passOpen && m_passTable &&
-        std::chrono::steady_clock::now() - m_passTable->builtAt < kPassSnapshotLifetime)
+    if (m_passOpen && m_passTable && std::chrono::steady_clock::now() - m_passTable->builtAt < kPassSnapshotLifetime)
         table = m_passTable;
     else
         table = freshTable();
@@ -135,8 +138,7 @@ RunningApplicationRef X11Workspace::runningApplication(std::int32_t pid)
         return nullptr;
     std::shared_ptr<const AppTable> table;
     if (m_passOpen) {
-        if (!m_passTable ||
-            std::chrono::steady_clock::now() - m_passTable->builtAt >= kPassSnapshotLifetime) {
+        if (!m_passTable || std::chrono::steady_clock::now() - m_passTable->builtAt >= kPassSnapshotLifetime) {
             m_passTable = freshTable();
             m_ancestorMemo.clear();
         }

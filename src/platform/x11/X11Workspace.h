@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include "DesktopEntries.h"
@@ -29,8 +33,7 @@ public:
 
     // processIsAlive through a kept-open /proc/PID/stat of each listed app.
     bool isProcessAlive(std::int32_t pid) override { return m_liveness.isAlive(pid); }
-    std::optional<std::uint64_t> intendedStartTime(std::int32_t pid,
-                                                   std::optional<std::uint64_t> seen) const override
+    std::optional<std::uint64_t> intendedStartTime(std::int32_t pid, std::optional<std::uint64_t> seen) const override
     {
         return m_listed.intended(pid, seen);
     }
@@ -42,8 +45,8 @@ public:
 private:
     struct AppTable {
         std::shared_ptr<const WindowSnapshot> snapshot;
-        std::chrono::steady_clock::time_point builtAt;   // a reused snapshot may be older
-        std::vector<RunningApplicationRef> apps;   // first-listed window order
+        std::chrono::steady_clock::time_point builtAt; // a reused snapshot may be older
+        std::vector<RunningApplicationRef> apps;       // first-listed window order
         linuxdesktop::AppsByPid byPid;
     };
 

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #include "XConnection.h"
 
 #include <xcb/res.h>
@@ -257,7 +261,8 @@ void XConnection::handleEvent(const xcb_generic_event_t* event)
         if (notify->window == m_root) {
             if (notify->atom == atom(Atom::NET_CLIENT_LIST))
                 m_clientListChangedAt = ++m_serial;
-            else if (notify->atom == atom(Atom::NET_ACTIVE_WINDOW) || notify->atom == atom(Atom::NET_CLIENT_LIST_STACKING))
+            else if (notify->atom == atom(Atom::NET_ACTIVE_WINDOW) ||
+                     notify->atom == atom(Atom::NET_CLIENT_LIST_STACKING))
                 m_rootStateChangedAt = ++m_serial;
             else if (notify->atom == atom(Atom::NET_SUPPORTED))
                 m_wmSupportsClose.reset();
@@ -279,8 +284,7 @@ void XConnection::handleEvent(const xcb_generic_event_t* event)
             ++m_serial;
         break;
     }
-    default:
-        break;   // mapping, moves, resizes and the rest change no property we read
+    default: break; // mapping, moves, resizes and the rest change no property we read
     }
 }
 
@@ -380,8 +384,7 @@ void XConnection::sendToRoot(xcb_window_t window, Atom type, std::array<std::uin
     event.type = atom(type);
     for (std::size_t i = 0; i < data.size(); ++i)
         event.data.data32[i] = data[i];
-    xcb_send_event(m_connection, 0, m_root,
-                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+    xcb_send_event(m_connection, 0, m_root, XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
                    reinterpret_cast<const char*>(&event));
 }
 

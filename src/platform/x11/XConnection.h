@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include <xcb/xcb.h>
@@ -60,7 +64,7 @@ inline constexpr std::chrono::microseconds kWalkStepFreshness{250};
 // A connection that broke is re-established on the next ensureConnected().
 class XConnection {
 public:
-    explicit XConnection(std::string displayName = {});   // empty: $DISPLAY
+    explicit XConnection(std::string displayName = {}); // empty: $DISPLAY
     ~XConnection();
     XConnection(const XConnection&) = delete;
     XConnection& operator=(const XConnection&) = delete;
@@ -148,9 +152,9 @@ private:
     std::uint64_t m_clientListChangedAt = 0;
     std::uint64_t m_rootStateChangedAt = 0;
     struct Watch {
-        std::uint64_t since = 0;   // serial at which the events were selected
-        std::uint64_t lastChange = 0;   // serial of the latest change of any property
-        std::vector<std::pair<xcb_atom_t, std::uint64_t>> changes;   // property -> serial of its last change
+        std::uint64_t since = 0;                                   // serial at which the events were selected
+        std::uint64_t lastChange = 0;                              // serial of the latest change of any property
+        std::vector<std::pair<xcb_atom_t, std::uint64_t>> changes; // property -> serial of its last change
     };
     std::unordered_map<xcb_window_t, Watch> m_watched;
     std::shared_ptr<const WindowSnapshot> m_latestSnapshot;

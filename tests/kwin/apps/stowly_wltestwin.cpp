@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // A native Wayland test client for the KWin tests: one window with a known title, and on
 // request a dialog (a transient child) or a window that refuses to close.
 //   stowly_wltestwin --title T [--dialog] [--refuse-close] [--windows N]
@@ -10,9 +14,9 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <vector>
-#include <cstring>
 
 namespace {
 
@@ -21,7 +25,10 @@ public:
     bool refuseClose = false;
 
 protected:
-    void paintEvent(QPaintEvent*) override { QPainter(this).fillRect(QRect(QPoint(0, 0), size()), QColor(0x3a, 0x6e, 0xa5)); }
+    void paintEvent(QPaintEvent*) override
+    {
+        QPainter(this).fillRect(QRect(QPoint(0, 0), size()), QColor(0x3a, 0x6e, 0xa5));
+    }
     bool event(QEvent* e) override
     {
         // Qt on Wayland turns the compositor's close request into a Close event.

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 /* A small X client for the backend tests: windows of any EWMH type and state, with or
  * without WM_DELETE_WINDOW, odd property contents, icons of any size, extra memory and
  * a windowless child process. It exits when its last window was closed by request. */
@@ -62,17 +66,18 @@ static void set_icon(xcb_window_t w, const uint32_t* sizes, int count)
         for (size_t p = 0; p < (size_t)sizes[i] * sizes[i]; ++p)
             data[k++] = 0xff000000u | (sizes[i] * 2654435761u);
     }
-    xcb_change_property(conn, XCB_PROP_MODE_REPLACE, w, intern("_NET_WM_ICON"), XCB_ATOM_CARDINAL, 32,
-                        (uint32_t)total, data);
+    xcb_change_property(conn, XCB_PROP_MODE_REPLACE, w, intern("_NET_WM_ICON"), XCB_ATOM_CARDINAL, 32, (uint32_t)total,
+                        data);
     free(data);
 }
 
 static void usage(void)
 {
-    fprintf(stderr,
-            "stowly_testwin [--title T] [--class INSTANCE CLASS] [--type normal|dialog|utility|none]\n"
-            "  [--windows N] [--dialog] [--free-dialog] [--skip-taskbar] [--no-delete] [--no-pid] [--pid N] [--gtk-id ID]\n"
-            "  [--icon N] [--huge-icon] [--pixmap-icon] [--garbage] [--alloc-mb M] [--child-alloc-mb M] [--churn]\n");
+    fprintf(
+        stderr,
+        "stowly_testwin [--title T] [--class INSTANCE CLASS] [--type normal|dialog|utility|none]\n"
+        "  [--windows N] [--dialog] [--free-dialog] [--skip-taskbar] [--no-delete] [--no-pid] [--pid N] [--gtk-id ID]\n"
+        "  [--icon N] [--huge-icon] [--pixmap-icon] [--garbage] [--alloc-mb M] [--child-alloc-mb M] [--churn]\n");
     exit(2);
 }
 
@@ -83,10 +88,11 @@ int main(int argc, char** argv)
     const char* klass = "StowlyTest";
     const char* type = "normal";
     const char* gtk_id = NULL;
-    int windows = 1, dialog = 0, free_dialog = 0, skip_taskbar = 0, no_delete = 0, no_pid = 0, garbage = 0, huge_icon = 0, churn = 0;
+    int windows = 1, dialog = 0, free_dialog = 0, skip_taskbar = 0, no_delete = 0, no_pid = 0, garbage = 0,
+        huge_icon = 0, churn = 0;
     int pixmap_icon = 0;
     uint32_t icon = 0;
-    uint32_t claimed_pid = 0;   /* a _NET_WM_PID that lies, when given */
+    uint32_t claimed_pid = 0; /* a _NET_WM_PID that lies, when given */
     size_t alloc_mb = 0, child_alloc_mb = 0;
 
     for (int i = 1; i < argc; ++i) {
@@ -168,7 +174,9 @@ int main(int argc, char** argv)
         if (strcmp(t, "none") != 0) {
             char atom_name[64];
             snprintf(atom_name, sizeof atom_name, "_NET_WM_WINDOW_TYPE_%s",
-                     !strcmp(t, "dialog") ? "DIALOG" : !strcmp(t, "utility") ? "UTILITY" : "NORMAL");
+                     !strcmp(t, "dialog")    ? "DIALOG"
+                     : !strcmp(t, "utility") ? "UTILITY"
+                                             : "NORMAL");
             const uint32_t atom = intern(atom_name);
             set32(w, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM, &atom, 1);
         }
@@ -214,8 +222,7 @@ int main(int argc, char** argv)
             const uint32_t bad_icon[] = {0xffffffff, 0xffffffff, 1, 2, 3};
             set32(w, "_NET_WM_ICON", XCB_ATOM_CARDINAL, bad_icon, 5);
             const uint16_t pid16[] = {1, 2};
-            xcb_change_property(conn, XCB_PROP_MODE_REPLACE, w, intern("_NET_WM_PID"), XCB_ATOM_CARDINAL, 16, 2,
-                                pid16);
+            xcb_change_property(conn, XCB_PROP_MODE_REPLACE, w, intern("_NET_WM_PID"), XCB_ATOM_CARDINAL, 16, 2, pid16);
             const uint32_t bad_transient = 0x7fffffff;
             xcb_change_property(conn, XCB_PROP_MODE_REPLACE, w, XCB_ATOM_WM_TRANSIENT_FOR, XCB_ATOM_CARDINAL, 32, 1,
                                 &bad_transient);

@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // A stand-in StatusNotifierWatcher for the tray tests: it owns the watcher's bus name,
 // records each item that registers, reads the item's properties back over the bus, and
 // clicks it with Activate(x, y) as a tray host does.
@@ -17,9 +21,9 @@ namespace {
 
 QVariant itemProperty(const QString& service, const QString& name)
 {
-    QDBusMessage get = QDBusMessage::createMethodCall(service, QStringLiteral("/StatusNotifierItem"),
-                                                      QStringLiteral("org.freedesktop.DBus.Properties"),
-                                                      QStringLiteral("Get"));
+    QDBusMessage get =
+        QDBusMessage::createMethodCall(service, QStringLiteral("/StatusNotifierItem"),
+                                       QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
     get << QStringLiteral("org.kde.StatusNotifierItem") << name;
     const QDBusMessage reply = QDBusConnection::sessionBus().call(get, QDBus::Block, 2000);
     if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty())
@@ -70,9 +74,9 @@ private:
         }
         pixmaps.endArray();
         std::printf("IconPixmaps=%d\n", count);
-        QDBusMessage activate = QDBusMessage::createMethodCall(service, QStringLiteral("/StatusNotifierItem"),
-                                                               QStringLiteral("org.kde.StatusNotifierItem"),
-                                                               QStringLiteral("Activate"));
+        QDBusMessage activate =
+            QDBusMessage::createMethodCall(service, QStringLiteral("/StatusNotifierItem"),
+                                           QStringLiteral("org.kde.StatusNotifierItem"), QStringLiteral("Activate"));
         activate << m_x << m_y;
         QDBusConnection::sessionBus().call(activate, QDBus::NoBlock);
         std::printf("activated %d %d\n", m_x, m_y);

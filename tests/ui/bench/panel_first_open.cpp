@@ -1,3 +1,7 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
 // Times the panel's first open in a fresh process: from the moment the panel is asked for
 // (what a tray click does the first time) to the first frame the window system received,
 // split into loading the view (QML components) and showing it. Prints one line of

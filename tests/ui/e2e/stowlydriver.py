@@ -1,3 +1,7 @@
+# SPDX-FileCopyrightText: 2026 The Stowly developers
+#
+# SPDX-License-Identifier: MIT
+
 """Starting the real program on a TestBed and working it from outside: through its tray
 icon (xdotool, found by pid), AT-SPI (pyatspi) and the X server's own view (xprop)."""
 

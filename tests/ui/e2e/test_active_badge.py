@@ -1,4 +1,9 @@
 #!/usr/bin/python3
+
+# SPDX-FileCopyrightText: 2026 The Stowly developers
+#
+# SPDX-License-Identifier: MIT
+
 """The app the user was working in keeps its "Active" badge while Stowly's panel, which
 takes the input focus, is open; a real change of active app (Open from a row's menu)
 moves the badge. Rows are read through assistive technology (AT-SPI): a row's name is

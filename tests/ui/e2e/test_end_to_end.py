@@ -1,4 +1,9 @@
 #!/usr/bin/python3
+
+# SPDX-FileCopyrightText: 2026 The Stowly developers
+#
+# SPDX-License-Identifier: MIT
+
 """The whole program on a private desktop with a tray: open the panel from the tray icon,
 minimize every window through assistive technology, switch an action off in the settings
 window and see the panel follow, and quit with Ctrl+Q.

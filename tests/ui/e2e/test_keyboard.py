@@ -1,4 +1,9 @@
 #!/usr/bin/python3
+
+# SPDX-FileCopyrightText: 2026 The Stowly developers
+#
+# SPDX-License-Identifier: MIT
+
 """The panel used from the keyboard alone, on the real program: the default tile has the
 focus when the panel opens; Tab and Shift+Tab move it; Enter runs the focused tile and its
 result line appears; Tab walks on into the rows' menu buttons; Enter opens a row menu,

@@ -1,3 +1,7 @@
+# SPDX-FileCopyrightText: 2026 The Stowly developers
+#
+# SPDX-License-Identifier: MIT
+
 """A private X11 desktop for driving the real program: Xvfb, a D-Bus session with the
 AT-SPI bus, openbox, a tint2 panel with a system tray at the top of the screen, and
 real apps. Every process is a child with a known pid and is ended on stop()."""
