@@ -39,10 +39,6 @@ public:
     std::vector<PlasmaWindowInfo> windowsOf(std::int32_t pid);
 
     bool isProcessAlive(std::int32_t pid) override { return m_liveness.isAlive(pid); }
-    std::optional<std::uint64_t> intendedStartTime(std::int32_t pid, std::optional<std::uint64_t> seen) const override
-    {
-        return m_listed.intended(pid, seen);
-    }
     bool hideProcess(std::int32_t pid) override;
     bool activateProcess(std::int32_t pid) override;
     bool closeProcessWindows(std::int32_t pid) override;
@@ -59,7 +55,6 @@ private:
     linuxdesktop::ThemedIcons m_themedIcons;
     linuxdesktop::ProcessLiveness m_liveness;
     std::string m_lastForeignActive;
-    linuxdesktop::ListedStartTimes m_listed;
 
     // Within a pass over the process table, every lookup answers from one listing, read
     // at most this long ago; outside a pass, a lookup reads afresh.

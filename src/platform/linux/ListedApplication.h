@@ -27,6 +27,17 @@ struct AppRecord {
     std::optional<std::uint64_t> startTime; // of the process, when the listing read it
 };
 
+// The start time of every app the latest listing showed, by pid: what the user's later
+// commands refer to.
+class ListedStartTimes {
+public:
+    void remember(const std::vector<RunningApplicationRef>& listed);
+    std::optional<std::uint64_t> intended(std::int32_t pid, std::optional<std::uint64_t> seen) const;
+
+private:
+    std::unordered_map<std::int32_t, std::uint64_t> m_startTimes;
+};
+
 // What a window system does with the windows of one process. Each backend's workspace
 // answers these, so that what a listed app does with them is written once.
 class ProcessWindows {
@@ -36,12 +47,17 @@ public:
     virtual bool isProcessAlive(std::int32_t pid) = 0;
     // The start time of the process a command for `pid` is meant for: the one the latest
     // listing showed under that pid, else `seen` (what the command's own lookup saw).
-    virtual std::optional<std::uint64_t> intendedStartTime(std::int32_t pid,
-                                                           std::optional<std::uint64_t> seen) const = 0;
+    std::optional<std::uint64_t> intendedStartTime(std::int32_t pid, std::optional<std::uint64_t> seen) const
+    {
+        return m_listed.intended(pid, seen);
+    }
     // Requests on the process's live windows, read afresh.
     virtual bool hideProcess(std::int32_t pid) = 0;
     virtual bool activateProcess(std::int32_t pid) = 0;
     virtual bool closeProcessWindows(std::int32_t pid) = 0;
+
+protected:
+    ListedStartTimes m_listed; // the workspace remembers each listing the user sees
 };
 
 // One listed app. Its commands go to the windows of its process; the signals only to that
@@ -69,17 +85,6 @@ public:
 private:
     ProcessWindows& m_windows;
     AppRecord m_record;
-};
-
-// The start time of every app the latest listing showed, by pid: what the user's later
-// commands refer to.
-class ListedStartTimes {
-public:
-    void remember(const std::vector<RunningApplicationRef>& listed);
-    std::optional<std::uint64_t> intended(std::int32_t pid, std::optional<std::uint64_t> seen) const;
-
-private:
-    std::unordered_map<std::int32_t, std::uint64_t> m_startTimes;
 };
 
 using AppsByPid = std::unordered_map<std::int32_t, RunningApplicationRef>;

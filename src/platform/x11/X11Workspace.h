@@ -33,10 +33,6 @@ public:
 
     // processIsAlive through a kept-open /proc/PID/stat of each listed app.
     bool isProcessAlive(std::int32_t pid) override { return m_liveness.isAlive(pid); }
-    std::optional<std::uint64_t> intendedStartTime(std::int32_t pid, std::optional<std::uint64_t> seen) const override
-    {
-        return m_listed.intended(pid, seen);
-    }
     // Requests on the live windows of a process (re-read, not taken from a snapshot).
     bool hideProcess(std::int32_t pid) override;
     bool activateProcess(std::int32_t pid) override;
@@ -66,7 +62,6 @@ private:
     bool m_passOpen = false;
     std::shared_ptr<const AppTable> m_passTable;
     linuxdesktop::AppsByPid m_ancestorMemo;
-    linuxdesktop::ListedStartTimes m_listed;
 };
 
 } // namespace stowly::x11
