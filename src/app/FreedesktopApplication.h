@@ -12,7 +12,7 @@
 
 namespace stowly {
 
-// The org.freedesktop.Application interface (Desktop Entry Specification, D-Bus activation)
+// The org.freedesktop.Application interface (freedesktop.org Desktop Entry, D-Bus activation)
 // on the session bus: a later start, a launcher or a script calls Activate to bring up the
 // running Stowly. Stowly opens no files and declares no desktop actions, so Open and
 // ActivateAction answer with an error and change nothing.
@@ -25,8 +25,8 @@ public:
 
     explicit FreedesktopApplication(QObject* parent = nullptr);
 
-    // The object path the specification derives from a bus name: "app.stowly.Stowly" gives
-    // "/app/stowly/Stowly".
+    // The object path the freedesktop.org Desktop Entry rules derive from a bus name:
+    // "app.stowly.Stowly" gives "/app/stowly/Stowly".
     static QString objectPathFor(const QString& busName);
 
     // Exported as scriptable slots: only these three, never QObject's own.
