@@ -6,6 +6,7 @@
 // process stands in for Stowly: a window it owns is one of "our" windows. Every step is
 // checked against _NET_ACTIVE_WINDOW as xprop reads it.
 
+#include "BedTest.h"
 #include "OwnWindow.h"
 #include "TestBed.h"
 #include "X11Platform.h"
@@ -66,13 +67,7 @@ void setActiveWindowProperty(std::uint32_t value, bool asRoot)
     xcb_disconnect(c);
 }
 
-class ActiveApp : public ::testing::Test {
-protected:
-    void SetUp() override { ASSERT_TRUE(sharedDisplay().ok()); }
-    x11::X11Platform linux_;
-    Platform& p = linux_.platform();
-    Apps apps;
-};
+using ActiveApp = BedTest;
 
 } // namespace
 

@@ -5,6 +5,7 @@
 // The Linux backend on a real X server, window manager and apps: every answer of ours is
 // compared with what xprop, wmctrl and /proc say.
 
+#include "BedTest.h"
 #include "NetWmIcon.h"
 #include "ProcFs.h"
 #include "TestBed.h"
@@ -73,13 +74,7 @@ std::optional<std::string> axString(Accessibility& ax, const AXElementRef& e, co
     return std::nullopt;
 }
 
-class Backend : public ::testing::Test {
-protected:
-    void SetUp() override { ASSERT_TRUE(sharedDisplay().ok()); }
-    x11::X11Platform linux_;
-    Platform& p = linux_.platform();
-    Apps apps;
-};
+using Backend = BedTest;
 
 } // namespace
 
