@@ -220,6 +220,11 @@ Display::Display(bool withWindowManager, const std::vector<std::string>& serverO
         return;
     }
     setenv("DISPLAY", m_name.c_str(), 1);
+    m_ok = startWindowManager();
+}
+
+bool Display::startWindowManager()
+{
     // The apps under test see only our own desktop entries; openbox needs the system's
     // data directories for its theme. `env` execs openbox, so the pid stays openbox's.
     // An openbox that has not announced itself within 10 s (seen once, in a sanitizer run)
@@ -233,27 +238,47 @@ Display::Display(bool withWindowManager, const std::vector<std::string>& serverO
             [&] { return xpropRoot("_NET_SUPPORTING_WM_CHECK").find("window id") != std::string::npos; }, 10s);
     }
     if (!announced)
-        return;
+        return false;
     // openbox announces itself before it handles map requests, and a window mapped in
     // between stays unmapped for good: only a probe window it manages proves it ready.
-    for (int attempt = 0; attempt < 10 && !m_ok; ++attempt) {
-        const int probe = spawn({testWindowProgram(), "--title", "stowly-wm-probe"});
-        m_ok = waitUntil(
-            [&] {
-                for (const auto& w : wmctrlWindows())
-                    if (w.title == "stowly-wm-probe")
-                        return true;
-                return false;
-            },
-            3s);
-        kill(probe);
-    }
-    waitUntil([&] {
+    for (int attempt = 0; attempt < 10; ++attempt)
+        if (probeManaged(3s))
+            return true;
+    return false;
+}
+
+bool Display::probeManaged(std::chrono::milliseconds deadline)
+{
+    const auto probeVisible = [] {
         for (const auto& w : wmctrlWindows())
             if (w.title == "stowly-wm-probe")
-                return false;
+                return true;
+        return false;
+    };
+    const int probe = spawn({testWindowProgram(), "--title", "stowly-wm-probe"});
+    const bool managed = waitUntil(probeVisible, deadline);
+    kill(probe);
+    waitUntil([&] { return !probeVisible(); });
+    return managed;
+}
+
+bool Display::ensureWindowManager()
+{
+    if (m_wm <= 0 || m_xvfb <= 0)
+        return m_ok;
+    if (!processGone(m_wm) && probeManaged(5s))
         return true;
-    });
+    // Seen once under the sanitizers: openbox alive but no longer managing new windows.
+    // Say what state it was in, then start a fresh one so that the following tests
+    // measure our code, not a stuck window manager.
+    const std::string stat = readText("/proc/" + std::to_string(m_wm) + "/stat");
+    const std::string wchan = readText("/proc/" + std::to_string(m_wm) + "/wchan");
+    std::fprintf(stderr, "test bed: openbox (pid %d) stopped managing windows; stat: %s wchan: %s; restarting it\n",
+                 m_wm, stat.c_str(), wchan.c_str());
+    kill(m_wm);
+    m_wm = -1;
+    m_ok = startWindowManager();
+    return m_ok;
 }
 
 void Display::killServer()

@@ -55,8 +55,14 @@ public:
     int serverPid() const { return m_xvfb; }
     int windowManagerPid() const { return m_wm; }
     void killServer();
+    // Proves with a probe window that the window manager still manages new windows, and
+    // starts a fresh one when it does not; false when no working one could be had.
+    bool ensureWindowManager();
 
 private:
+    bool startWindowManager();
+    bool probeManaged(std::chrono::milliseconds deadline);
+
     bool m_ok = false;
     std::string m_name;
     int m_xvfb = -1;

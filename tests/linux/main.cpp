@@ -35,6 +35,16 @@ private:
 
 stowly::testbed::Display* DisplayEnvironment::s_display = nullptr;
 
+// Every test starts on a window manager that is proven to manage new windows, so that one
+// test leaving openbox stuck cannot fail the tests after it.
+class WindowManagerCheck : public ::testing::EmptyTestEventListener {
+    void OnTestStart(const ::testing::TestInfo&) override
+    {
+        if (DisplayEnvironment::s_display != nullptr)
+            DisplayEnvironment::s_display->ensureWindowManager();
+    }
+};
+
 } // namespace
 
 namespace stowly::testbed {
@@ -50,5 +60,6 @@ int main(int argc, char** argv)
     QCoreApplication app(argc, argv);
     ::testing::InitGoogleTest(&argc, argv);
     ::testing::AddGlobalTestEnvironment(new DisplayEnvironment);
+    ::testing::UnitTest::GetInstance()->listeners().Append(new WindowManagerCheck);
     return RUN_ALL_TESTS();
 }
