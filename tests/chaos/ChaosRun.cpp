@@ -132,7 +132,7 @@ private:
     int spawnApp();
     ChaosApp* randomApp(bool runningOnly);
     void reapAll();
-    bool waitForWindows(int pid, std::chrono::milliseconds deadline);
+    bool waitForWindows(int pid, std::size_t count, std::chrono::milliseconds deadline);
     void checkProtected();
     void checkList();
     void runCommand(Command command, const RunningAppInfo* app);
@@ -171,10 +171,20 @@ int Chaos::spawnApp()
     std::vector<std::string> args{tb::testWindowProgram(), "--title", "chaos-" + std::to_string(++m_spawned)};
     ChaosApp app;
     app.title = args.back();
+    std::size_t windows = 1;
     switch (pick(8)) {
-    case 0: args.insert(args.end(), {"--windows", std::to_string(2 + pick(3))}); break;
-    case 1: args.push_back("--free-dialog"); break;
-    case 2: args.push_back("--dialog"); break;
+    case 0:
+        windows = 2 + static_cast<std::size_t>(pick(3));
+        args.insert(args.end(), {"--windows", std::to_string(windows)});
+        break;
+    case 1:
+        args.push_back("--free-dialog");
+        windows = 2;
+        break;
+    case 2:
+        args.push_back("--dialog");
+        windows = 2;
+        break;
     case 3: args.push_back("--no-delete"); break;
     case 4:
         args.push_back("--skip-taskbar");
@@ -191,9 +201,10 @@ int Chaos::spawnApp()
     if (app.pid > 0)
         m_apps[app.pid] = app;
     faults["app started"]++;
-    // Mapped before anything else happens to it (a stop before its first map would leave
-    // an app without windows, which is no app at all).
-    if (app.pid > 0 && !waitForWindows(app.pid, 5s))
+    // Every window managed before anything else happens to it: a stop before its first map
+    // would leave an app without windows, and a window the manager takes on after the
+    // outsider looked would make a command's count differ from what the outsider expects.
+    if (app.pid > 0 && !waitForWindows(app.pid, windows, 10s))
         fail("a started app never showed a window: pid " + std::to_string(app.pid));
     return app.pid;
 }
@@ -208,9 +219,9 @@ ChaosApp* Chaos::randomApp(bool runningOnly)
                               : candidates[static_cast<std::size_t>(pick(static_cast<int>(candidates.size())))];
 }
 
-bool Chaos::waitForWindows(int pid, std::chrono::milliseconds deadline)
+bool Chaos::waitForWindows(int pid, std::size_t count, std::chrono::milliseconds deadline)
 {
-    return tb::waitUntil([&] { return !m_observer.look().windowsOf(pid).empty() || !alive(pid); }, deadline);
+    return tb::waitUntil([&] { return m_observer.look().windowsOf(pid).size() >= count || !alive(pid); }, deadline);
 }
 
 void Chaos::perturb()

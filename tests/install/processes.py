@@ -2,10 +2,11 @@
 #
 # SPDX-License-Identifier: MIT
 
-"""What the install tests share: checks that report and count, and a look at processes from
-outside, through /proc."""
+"""What the install tests share: checks that report and count, a look at processes from
+outside, through /proc, and the frame every test script runs in."""
 
 import os
+import sys
 
 failures = []
 
@@ -37,3 +38,18 @@ def instances_of(binary):
             except OSError:
                 pass
     return sorted(found)
+
+
+def run_script(usage, start_bed, scenario):
+    """Runs scenario(bed, binary) for the binary named on the command line, on a bed made by
+    start_bed() and stopped afterwards whatever happens; exits 1 when any check failed."""
+    if len(sys.argv) != 2:
+        raise SystemExit(usage)
+    binary = os.path.realpath(sys.argv[1])
+    bed = start_bed()
+    try:
+        scenario(bed, binary)
+    finally:
+        bed.stop()
+    print(f"{len(failures)} failed" if failures else "all passed")
+    sys.exit(1 if failures else 0)

@@ -22,7 +22,7 @@ import time
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "ui", "e2e"))
 from testbed import TestBed          # noqa: E402
 from stowlydriver import Stowly      # noqa: E402
-from processes import alive, check, failures, instances_of   # noqa: E402
+from processes import alive, check, instances_of, run_script   # noqa: E402
 
 from gi.repository import Gio, GLib  # noqa: E402
 
@@ -167,19 +167,10 @@ def without_bus(bed, binary):
     kill(bed, restarted)
 
 
-def main(binary):
-    binary = os.path.realpath(binary)
-    bed = TestBed().start(accessibility=False)
-    try:
-        with_bus(bed, binary)
-        without_bus(bed, binary)
-    finally:
-        bed.stop()
-    print(f"{len(failures)} failed" if failures else "all passed")
-    return 1 if failures else 0
+def scenario(bed, binary):
+    with_bus(bed, binary)
+    without_bus(bed, binary)
 
 
 if __name__ == "__main__":
-    if len(sys.argv) != 2:
-        raise SystemExit(__doc__)
-    sys.exit(main(sys.argv[1]))
+    run_script(__doc__, lambda: TestBed().start(accessibility=False), scenario)

@@ -25,9 +25,40 @@ namespace stowly::testbed {
 
 namespace {
 
-std::set<int>& reaped()
+// One flag per possible pid, made once: the bookkeeping of a long soak that starts tens of
+// thousands of children must not grow in the process whose memory the soak measures.
+class ReapedPids {
+public:
+    ReapedPids()
+    {
+        long max = 0;
+        if (std::FILE* f = std::fopen("/proc/sys/kernel/pid_max", "r")) {
+            if (std::fscanf(f, "%ld", &max) != 1)
+                max = 0;
+            std::fclose(f);
+        }
+        m_flags.assign(static_cast<std::size_t>(max > 0 && max <= (1L << 22) ? max : (1L << 22)) + 1, false);
+    }
+    bool count(int pid) const { return in(pid) && m_flags[static_cast<std::size_t>(pid)]; }
+    void insert(int pid)
+    {
+        if (in(pid))
+            m_flags[static_cast<std::size_t>(pid)] = true;
+    }
+    void erase(int pid)
+    {
+        if (in(pid))
+            m_flags[static_cast<std::size_t>(pid)] = false;
+    }
+
+private:
+    bool in(int pid) const { return pid > 0 && static_cast<std::size_t>(pid) < m_flags.size(); }
+    std::vector<bool> m_flags;
+};
+
+ReapedPids& reaped()
 {
-    static std::set<int> pids;
+    static ReapedPids pids;
     return pids;
 }
 
