@@ -127,6 +127,19 @@ private:
         if (m_failure.empty())
             m_failure = why;
     }
+    // What happened to each app, for the report of a failure that names it.
+    void note(int pid, const std::string& what)
+    {
+        m_history[pid].push_back("round " + std::to_string(m_round) + ": " + what);
+    }
+    std::string historyOf(int pid) const
+    {
+        std::string out;
+        if (const auto it = m_history.find(pid); it != m_history.end())
+            for (const std::string& line : it->second)
+                out += "\n    history of " + std::to_string(pid) + ", " + line;
+        return out;
+    }
 
     void perturb();
     int spawnApp();
@@ -152,6 +165,8 @@ private:
     // them rounds later, once they run again. That is the polite close taking effect.
     std::set<int> m_askedWhileStopped;
     int m_spawned = 0;
+    int m_round = 0;
+    std::map<int, std::vector<std::string>> m_history;
 };
 
 void Chaos::reapAll()
@@ -201,6 +216,10 @@ int Chaos::spawnApp()
     if (app.pid > 0)
         m_apps[app.pid] = app;
     faults["app started"]++;
+    std::string line = "started:";
+    for (std::size_t i = 1; i < args.size(); ++i)
+        line += " " + args[i];
+    note(app.pid, line);
     // Every window managed before anything else happens to it: a stop before its first map
     // would leave an app without windows, and a window the manager takes on after the
     // outsider looked would make a command's count differ from what the outsider expects.
@@ -239,6 +258,7 @@ void Chaos::perturb()
                 ::kill(app->pid, SIGKILL);
                 m_killedByChaos.insert(app->pid);
                 faults["process killed"]++;
+                note(app->pid, "killed");
             }
             break;
         case 2:
@@ -246,6 +266,7 @@ void Chaos::perturb()
                 ::kill(app->pid, SIGSTOP);
                 app->stopped = true;
                 faults["process stopped (SIGSTOP)"]++;
+                note(app->pid, "stopped");
             }
             break;
         case 3:
@@ -254,6 +275,7 @@ void Chaos::perturb()
                     ::kill(pid, SIGCONT);
                     each.stopped = false;
                     faults["process continued"]++;
+                    note(pid, "continued");
                     break;
                 }
             break;
@@ -265,6 +287,7 @@ void Chaos::perturb()
                     const bool on = !w->skipTaskbar;
                     m_observer.toggleSkipTaskbar(id, on);
                     faults["skip-taskbar toggled"]++;
+                    note(app->pid, "window " + std::to_string(id) + (on ? " skip-taskbar on" : " skip-taskbar off"));
                     // The window manager carries the request out in its own time: the round
                     // starts from the state it settles on. (A stopped or dying app's window
                     // may never get there.)
@@ -286,8 +309,10 @@ void Chaos::perturb()
             if ((app = randomApp(false)) != nullptr)
                 for (const SeenWindow* w : scene.windowsOf(app->pid)) {
                     static const char* types[] = {"NORMAL", "UTILITY", "DIALOG", "TOOLBAR"};
-                    m_observer.setWindowType(w->id, types[pick(4)]);
+                    const char* type = types[pick(4)];
+                    m_observer.setWindowType(w->id, type);
                     faults["window type changed"]++;
+                    note(app->pid, "window " + std::to_string(w->id) + " type " + type);
                     break;
                 }
             break;
@@ -390,12 +415,18 @@ void Chaos::runCommand(Command command, const RunningAppInfo* target)
         killedMidway.push_back(pid);
         m_killedByChaos.insert(pid);
         faults["process killed during a command"]++;
+        note(pid, "killed during the command");
         midway = std::thread([pid, delay] {
             std::this_thread::sleep_for(delay);
             ::kill(pid, SIGKILL);
         });
     }
 
+    for (const std::uint32_t id : closeTargets)
+        if (command == Command::close)
+            note(before.windows.at(id).pid, "Close All target: window " + std::to_string(id));
+    if (target != nullptr)
+        note(target->id, std::string("target of ") + nameOf(command));
     const auto started = std::chrono::steady_clock::now();
     switch (command) {
     case Command::minimize: m_model.minimizeAllWindows(); break;
@@ -463,7 +494,8 @@ void Chaos::runCommand(Command command, const RunningAppInfo* target)
         }
         if (!died.empty())
             fail(describe("process " + std::to_string(*died.begin()) + " died" +
-                          (stoppedBefore[*died.begin()] ? " (it was stopped)" : "")));
+                          (stoppedBefore[*died.begin()] ? " (it was stopped)" : "")) +
+                 historyOf(*died.begin()));
         if (quiet && reported != static_cast<long long>(minimizeTargets.size())) {
             std::string seen;
             for (const auto& [id, w] : before.windows)
@@ -491,7 +523,8 @@ void Chaos::runCommand(Command command, const RunningAppInfo* target)
         }
         if (!died.empty())
             fail(describe("process " + std::to_string(*died.begin()) + " died" +
-                          (stoppedBefore[*died.begin()] ? " (it was stopped)" : "")));
+                          (stoppedBefore[*died.begin()] ? " (it was stopped)" : "")) +
+                 historyOf(*died.begin()));
         if (quiet && reported != static_cast<long long>(hideTargets.size()))
             fail(describe("reported " + std::to_string(reported) + ", outside saw " +
                           std::to_string(hideTargets.size()) + " apps to hide"));
@@ -521,7 +554,8 @@ void Chaos::runCommand(Command command, const RunningAppInfo* target)
                                                [&](const SeenWindow* w) { return closeTargets.count(w->id) != 0; });
             if (!hadTarget)
                 fail(describe("process " + std::to_string(pid) +
-                              " ended though none of its windows was asked to close"));
+                              " ended though none of its windows was asked to close") +
+                     historyOf(pid));
             if (stoppedBefore[pid])
                 fail(describe("a stopped process ended: it was killed, not asked"));
         }
@@ -531,7 +565,7 @@ void Chaos::runCommand(Command command, const RunningAppInfo* target)
             // Only our apps' windows count: a window manager's own windows come and go.
             if (aliveBefore.count(pid) != 0 && closeTargets.count(id) == 0 && m_killedByChaos.count(pid) == 0 &&
                 died.count(pid) == 0)
-                fail(describe(w->second.describe() + " vanished though it was no target"));
+                fail(describe(w->second.describe() + " vanished though it was no target") + historyOf(pid));
         }
         if (quiet && reported != static_cast<long long>(closeTargets.size()))
             fail(describe("reported " + std::to_string(reported) + ", outside saw " +
@@ -542,7 +576,7 @@ void Chaos::runCommand(Command command, const RunningAppInfo* target)
         settle([&] { return std::all_of(managed.begin(), managed.end(), [&](int pid) { return !alive(pid); }); });
         for (const int pid : died)
             if (managed.count(pid) == 0)
-                fail(describe("process " + std::to_string(pid) + " died though it was no target"));
+                fail(describe("process " + std::to_string(pid) + " died though it was no target") + historyOf(pid));
         for (const int pid : managed)
             if (alive(pid))
                 fail(describe("target " + std::to_string(pid) + " survived"));
@@ -563,14 +597,16 @@ void Chaos::runCommand(Command command, const RunningAppInfo* target)
         for (const int pid : died)
             if (pid != target->id)
                 fail(describe("process " + std::to_string(pid) + " died, the command was for " +
-                              std::to_string(target->id)));
+                              std::to_string(target->id)) +
+                     historyOf(pid));
         break;
     case Command::forceTerminate:
         settle([&] { return !alive(target->id); });
         for (const int pid : died)
             if (pid != target->id)
                 fail(describe("process " + std::to_string(pid) + " died, the command was for " +
-                              std::to_string(target->id)));
+                              std::to_string(target->id)) +
+                     historyOf(pid));
         if (alive(target->id) && quiet)
             fail(describe("the app survived"));
         break;
@@ -580,6 +616,7 @@ void Chaos::runCommand(Command command, const RunningAppInfo* target)
 
 bool Chaos::round(int index, bool wmFaults)
 {
+    m_round = index;
     m_killedByChaos.clear();
     perturb();
     // Every fourth round the window manager goes away: back as itself or as another one.

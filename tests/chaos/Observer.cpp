@@ -96,8 +96,10 @@ Scene Observer::look()
     Scene scene;
     if (!ok())
         return scene;
-    auto get = [&](xcb_window_t w, xcb_atom_t property) {
-        return xcb_get_property(m_c, 0, w, property, XCB_GET_PROPERTY_TYPE_ANY, 0, 1024);
+    // 1,024 values suffice for any window's property; the client list of the scale run holds
+    // thousands of windows.
+    auto get = [&](xcb_window_t w, xcb_atom_t property, std::uint32_t longs = 1024) {
+        return xcb_get_property(m_c, 0, w, property, XCB_GET_PROPERTY_TYPE_ANY, 0, longs);
     };
     auto reply = [&](xcb_get_property_cookie_t cookie) { return xcb_get_property_reply(m_c, cookie, nullptr); };
 
@@ -110,7 +112,7 @@ Scene Observer::look()
         scene.windowManager = attributes != nullptr;
         std::free(attributes);
     }
-    xcb_get_property_reply_t* list = reply(get(m_root, atom("_NET_CLIENT_LIST")));
+    xcb_get_property_reply_t* list = reply(get(m_root, atom("_NET_CLIENT_LIST"), 1u << 16));
     const auto ids = longsOf(list, XCB_ATOM_WINDOW);
     std::free(list);
 
