@@ -23,6 +23,7 @@
 #include <xcb/res.h>
 
 #include <dirent.h>
+#include <malloc.h>
 #include <signal.h>
 #include <unistd.h>
 
@@ -48,6 +49,7 @@ struct Sample {
     double seconds = 0;
     long rssKb = 0;
     long privateKb = 0; // RssAnon
+    long heapKb = 0;    // allocated and not freed: grows with a leak, not with fragmentation
     long fds = 0;
     long xResources = 0; // every resource our X client owns
     long processes = 0;  // on the whole machine: the process table keeps a file open per process
@@ -125,11 +127,13 @@ void writeSvg(const std::string& path, const std::vector<Sample>& samples)
     };
     const Series series[] = {{"resident kB", "#1f77b4", &Sample::rssKb},
                              {"private kB", "#2ca02c", &Sample::privateKb},
+                             {"heap in use kB", "#ff7f0e", &Sample::heapKb},
                              {"descriptors", "#d62728", &Sample::fds},
                              {"X resources", "#9467bd", &Sample::xResources}};
     const int width = 720, rowHeight = 120, left = 70, right = 20;
     std::ofstream out(path);
-    out << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << width << "\" height=\"" << rowHeight * 4 + 30
+    out << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << width << "\" height=\""
+        << rowHeight * static_cast<int>(std::size(series)) + 30
         << "\" font-family=\"sans-serif\" font-size=\"11\">\n<rect width=\"100%\" height=\"100%\" fill=\"white\"/>\n";
     const double lastTick = static_cast<double>(std::max<long>(1, samples.back().tick));
     for (int s = 0; s < 4; ++s) {
@@ -156,8 +160,8 @@ void writeSvg(const std::string& path, const std::vector<Sample>& samples)
         }
         out << "\"/>\n";
     }
-    out << "<text x=\"" << left << "\" y=\"" << rowHeight * 4 + 22 << "\">ticks 0 to " << samples.back().tick << " ("
-        << samples.back().seconds << " s)</text>\n</svg>\n";
+    out << "<text x=\"" << left << "\" y=\"" << rowHeight * static_cast<int>(std::size(series)) + 22 << "\">ticks 0 to "
+        << samples.back().tick << " (" << samples.back().seconds << " s)</text>\n</svg>\n";
 }
 
 int soak(long ticks, int appCount, const std::string& csvPath, const std::string& svgPath)
@@ -187,6 +191,7 @@ int soak(long ticks, int appCount, const std::string& csvPath, const std::string
 
     std::vector<Sample> samples;
     const long every = std::max<long>(1, ticks / 400);
+    samples.reserve(static_cast<std::size_t>(ticks / every) + 2); // the run's own record must not grow
     const auto started = std::chrono::steady_clock::now();
     for (long tick = 0; tick <= ticks; ++tick) {
         model.refreshSnapshot();
@@ -208,6 +213,8 @@ int soak(long ticks, int appCount, const std::string& csvPath, const std::string
             s.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
             s.rssKb = statusKb("VmRSS");
             s.privateKb = statusKb("RssAnon");
+            const struct mallinfo2 heap = mallinfo2();
+            s.heapKb = static_cast<long>((heap.uordblks + heap.hblkhd) / 1024);
             s.fds = openDescriptors();
             s.xResources = xResourcesOf(linux_.connection().get());
             s.processes = processCount();
@@ -219,10 +226,10 @@ int soak(long ticks, int appCount, const std::string& csvPath, const std::string
         tb::kill(pid);
 
     std::ofstream csv(csvPath);
-    csv << "tick,seconds,resident_kb,private_kb,descriptors,x_resources,processes_on_machine\n";
+    csv << "tick,seconds,resident_kb,private_kb,heap_in_use_kb,descriptors,x_resources,processes_on_machine\n";
     for (const Sample& s : samples)
-        csv << s.tick << ',' << s.seconds << ',' << s.rssKb << ',' << s.privateKb << ',' << s.fds << ',' << s.xResources
-            << ',' << s.processes << '\n';
+        csv << s.tick << ',' << s.seconds << ',' << s.rssKb << ',' << s.privateKb << ',' << s.heapKb << ',' << s.fds
+            << ',' << s.xResources << ',' << s.processes << '\n';
     if (!svgPath.empty())
         writeSvg(svgPath, samples);
 
@@ -241,6 +248,7 @@ int soak(long ticks, int appCount, const std::string& csvPath, const std::string
     };
     const Bound bounds[] = {{"resident kB", &Sample::rssKb, 2048},
                             {"private kB", &Sample::privateKb, 2048},
+                            {"heap in use kB", &Sample::heapKb, 512},
                             // One kept-open status file per process on the machine, whose
                             // count other programs change: what is beyond it must stay flat.
                             {"descriptors beyond processes", &Sample::descriptorsBeyondProcesses, 16},
