@@ -166,6 +166,9 @@ private:
     // Apps asked to close while stopped: the request waits in their queue and may end
     // them rounds later, once they run again. That is the polite close taking effect.
     std::set<int> m_askedWhileStopped;
+    // Apps whose windows a command asked to close: one that has closed its last window ends
+    // on its own, and on a loaded machine that may be a round later.
+    std::set<int> m_askedToClose;
     int m_spawned = 0;
     int m_round = 0;
     std::map<int, std::vector<std::string>> m_history;
@@ -425,10 +428,17 @@ void Chaos::runCommand(Command command, const RunningAppInfo* target)
     }
 
     for (const std::uint32_t id : closeTargets)
-        if (command == Command::close)
+        if (command == Command::close) {
             note(before.windows.at(id).pid, "Close All target: window " + std::to_string(id));
-    if (target != nullptr)
+            m_askedToClose.insert(before.windows.at(id).pid);
+        }
+    if (target != nullptr) {
         note(target->id, std::string("target of ") + nameOf(command));
+        if (command == Command::terminate)
+            m_askedToClose.insert(target->id);
+    }
+    // Excused: an app asked before to close whose windows are all gone, ending now.
+    auto closedEarlier = [&](int pid) { return m_askedToClose.count(pid) != 0 && before.windowsOf(pid).empty(); };
     const auto started = std::chrono::steady_clock::now();
     switch (command) {
     case Command::minimize: m_model.minimizeAllWindows(); break;
@@ -463,7 +473,8 @@ void Chaos::runCommand(Command command, const RunningAppInfo* target)
                 after = m_observer.look();
                 died.clear();
                 for (const int pid : aliveBefore)
-                    if (!alive(pid) && m_killedByChaos.count(pid) == 0 && m_askedWhileStopped.count(pid) == 0)
+                    if (!alive(pid) && m_killedByChaos.count(pid) == 0 && m_askedWhileStopped.count(pid) == 0 &&
+                        !closedEarlier(pid))
                         died.insert(pid);
                 return done();
             },
@@ -621,6 +632,7 @@ bool Chaos::round(int index, bool wmFaults)
 {
     m_round = index;
     std::erase_if(m_killedByChaos, [](int pid) { return !alive(pid); });
+    std::erase_if(m_askedToClose, [](int pid) { return !alive(pid); });
     perturb();
     // Every fourth round the window manager goes away: back as itself or as another one.
     if (wmFaults && index % 4 == 3)
