@@ -575,6 +575,12 @@ void Chaos::runCommand(Command command, const RunningAppInfo* target)
         for (const std::uint32_t id : closed()) {
             const auto w = before.windows.find(id);
             const int pid = w->second.pid;
+            // openbox under churn now and then drops a window it still manages from its client
+            // list (or keeps a destroyed one in it): only a window that no longer exists was closed.
+            if (m_observer.exists(id)) {
+                faults["window dropped from the client list by the window manager"]++;
+                continue;
+            }
             // Only our apps' windows count: a window manager's own windows come and go.
             if (aliveBefore.count(pid) != 0 && closeTargets.count(id) == 0 && m_killedByChaos.count(pid) == 0 &&
                 died.count(pid) == 0)

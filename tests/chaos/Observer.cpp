@@ -170,6 +170,17 @@ Scene Observer::look()
     return scene;
 }
 
+bool Observer::exists(std::uint32_t window)
+{
+    if (!ok())
+        return false;
+    xcb_get_window_attributes_reply_t* attributes =
+        xcb_get_window_attributes_reply(m_c, xcb_get_window_attributes(m_c, window), nullptr);
+    const bool found = attributes != nullptr;
+    std::free(attributes);
+    return found;
+}
+
 void Observer::toggleSkipTaskbar(std::uint32_t window, bool on)
 {
     xcb_client_message_event_t event{};

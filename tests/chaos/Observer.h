@@ -53,6 +53,8 @@ public:
 
     bool ok() const { return m_c != nullptr && xcb_connection_has_error(m_c) == 0; }
     Scene look();
+    // The window still exists on the server, listed by the window manager or not.
+    bool exists(std::uint32_t window);
 
     // Requests an outsider might send: EWMH state and type changes.
     void toggleSkipTaskbar(std::uint32_t window, bool on);
