@@ -583,8 +583,14 @@ void Chaos::runCommand(Command command, const RunningAppInfo* target)
             }
             // Only our apps' windows count: a window manager's own windows come and go.
             if (aliveBefore.count(pid) != 0 && closeTargets.count(id) == 0 && m_killedByChaos.count(pid) == 0 &&
-                died.count(pid) == 0)
-                fail(describe(w->second.describe() + " vanished though it was no target") + historyOf(pid));
+                died.count(pid) == 0) {
+                // Whether its process went on to end tells a window closed by request from an
+                // app that ended as a whole.
+                const bool ended = tb::waitUntil([&] { return !alive(pid); }, 3s);
+                fail(describe(w->second.describe() + " vanished though it was no target" +
+                              (ended ? "; its process ended after it" : "; its process lives on")) +
+                     historyOf(pid));
+            }
         }
         if (quiet && reported != static_cast<long long>(closeTargets.size()))
             fail(describe("reported " + std::to_string(reported) + ", outside saw " +
