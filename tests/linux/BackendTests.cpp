@@ -23,6 +23,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstring>
 #include <fstream>
 #include <map>
 #include <set>
@@ -104,6 +105,74 @@ TEST(BareServer, NotTrustedWithoutWindowManagerAndSurvivesLostConnection)
     EXPECT_TRUE(p.workspace.runningApplications().empty());
     EXPECT_EQ(p.workspace.runningApplication(static_cast<int>(getpid())), nullptr);
     EXPECT_FALSE(p.trust.isProcessTrusted(false));
+}
+
+// A window manager's client list names each window once, by EWMH; one that names a window
+// twice (openbox has been seen keeping stale entries under churn) must not make a bulk
+// action ask that window twice. Here the test itself plays the window manager.
+TEST(BareServer, AWindowListedTwiceIsOneWindow)
+{
+    struct Restore {
+        ~Restore() { setenv("DISPLAY", sharedDisplay().name().c_str(), 1); }
+    } restore;
+    Display bare(false);
+    ASSERT_TRUE(bare.ok());
+    setenv("DISPLAY", bare.name().c_str(), 1);
+    Apps apps;
+    const int pid = apps.startTestWindow("listed twice");
+
+    xcb_connection_t* c = xcb_connect(bare.name().c_str(), nullptr);
+    ASSERT_EQ(xcb_connection_has_error(c), 0);
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(c)).data->root;
+    auto atom = [&](const char* name) {
+        xcb_intern_atom_reply_t* reply = xcb_intern_atom_reply(
+            c, xcb_intern_atom(c, 0, static_cast<std::uint16_t>(std::strlen(name)), name), nullptr);
+        const xcb_atom_t a = reply != nullptr ? reply->atom : XCB_NONE;
+        std::free(reply);
+        return a;
+    };
+    // The app's window: the root's only child that names the app's pid.
+    xcb_window_t window = XCB_NONE;
+    ASSERT_TRUE(waitUntil([&] {
+        xcb_query_tree_reply_t* tree = xcb_query_tree_reply(c, xcb_query_tree(c, root), nullptr);
+        if (tree == nullptr)
+            return false;
+        const xcb_window_t* children = xcb_query_tree_children(tree);
+        for (int i = 0; i < xcb_query_tree_children_length(tree); ++i) {
+            xcb_get_property_reply_t* property = xcb_get_property_reply(
+                c, xcb_get_property(c, 0, children[i], atom("_NET_WM_PID"), XCB_ATOM_CARDINAL, 0, 1), nullptr);
+            if (property != nullptr && xcb_get_property_value_length(property) == 4 &&
+                *static_cast<const std::uint32_t*>(xcb_get_property_value(property)) == static_cast<std::uint32_t>(pid))
+                window = children[i];
+            std::free(property);
+        }
+        std::free(tree);
+        return window != XCB_NONE;
+    }));
+    const xcb_window_t check = xcb_generate_id(c);
+    xcb_create_window(c, XCB_COPY_FROM_PARENT, check, root, 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
+                      XCB_COPY_FROM_PARENT, 0, nullptr);
+    xcb_change_property(c, XCB_PROP_MODE_REPLACE, check, atom("_NET_SUPPORTING_WM_CHECK"), XCB_ATOM_WINDOW, 32, 1,
+                        &check);
+    xcb_change_property(c, XCB_PROP_MODE_REPLACE, root, atom("_NET_SUPPORTING_WM_CHECK"), XCB_ATOM_WINDOW, 32, 1,
+                        &check);
+    const xcb_atom_t supported[] = {atom("_NET_CLIENT_LIST")};
+    xcb_change_property(c, XCB_PROP_MODE_REPLACE, root, atom("_NET_SUPPORTED"), XCB_ATOM_ATOM, 32, 1, supported);
+    const xcb_window_t twice[] = {window, window};
+    xcb_change_property(c, XCB_PROP_MODE_REPLACE, root, atom("_NET_CLIENT_LIST"), XCB_ATOM_WINDOW, 32, 2, twice);
+    std::free(xcb_get_input_focus_reply(c, xcb_get_input_focus(c), nullptr)); // all of it applied
+
+    x11::X11Platform linux_(bare.name());
+    Platform& p = linux_.platform();
+    EXPECT_TRUE(p.trust.isProcessTrusted(false));
+    EXPECT_EQ(p.workspace.runningApplications().size(), 1u);
+    AXValue value;
+    ASSERT_EQ(p.accessibility.copyAttributeValue(p.accessibility.createApplication(pid), kAXWindowsAttribute, value),
+              kAXErrorSuccess);
+    const auto* windows = std::get_if<AXElementList>(&value);
+    ASSERT_NE(windows, nullptr);
+    EXPECT_EQ(windows->size(), 1u);
+    xcb_disconnect(c);
 }
 
 TEST_F(Backend, ElementsOfALostConnectionAnswerCannotComplete)

@@ -17,6 +17,7 @@
 #include <cstring>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace stowly::x11 {
 
@@ -226,8 +227,12 @@ std::shared_ptr<const WindowSnapshot> takeWindowSnapshot(XConnection& x, IconCac
         const auto ids = list.longs();
         snapshot->windows.reserve(ids.size());
         cookies.reserve(ids.size());
+        // EWMH lists each window once; a window manager that repeats one (openbox keeps
+        // stale entries now and then) must not make a walk act on it twice.
+        std::unordered_set<xcb_window_t> seen;
+        seen.reserve(ids.size());
         for (const std::uint32_t id : ids) {
-            if (id == XCB_NONE)
+            if (id == XCB_NONE || !seen.insert(id).second)
                 continue;
             const auto found = earlyIndex.find(id);
             if (found != earlyIndex.end() && !early[found->second].listed) {
