@@ -374,6 +374,25 @@ void Chaos::runCommand(Command command, const RunningAppInfo* target)
 {
     const int self = static_cast<int>(getpid());
     reapAll();
+    // The window manager carries out earlier requests (iconify, skip-taskbar, a new map) in
+    // its own time: the command starts once the desktop has stood still for a moment, so
+    // that Stowly and the outsider look at the same desktop.
+    const auto picture = [](const Scene& scene) {
+        std::string text;
+        for (const auto& [id, w] : scene.windows)
+            text += w.describe() + (w.hiddenMark ? ", marked hidden\n" : "\n");
+        return text;
+    };
+    std::string last = picture(m_observer.look());
+    tb::waitUntil(
+        [&] {
+            std::this_thread::sleep_for(50ms);
+            std::string now = picture(m_observer.look());
+            const bool still = now == last;
+            last = std::move(now);
+            return still;
+        },
+        2s);
     m_model.refreshRunningApps();
     const Scene before = m_observer.look();
     const std::set<int> managed = before.managedPids(self);
