@@ -128,7 +128,9 @@ void writeSvg(const std::string& path, const std::vector<Sample>& samples)
     const Series series[] = {{"resident kB", "#1f77b4", &Sample::rssKb},
                              {"private kB", "#2ca02c", &Sample::privateKb},
                              {"heap in use kB", "#ff7f0e", &Sample::heapKb},
-                             {"descriptors", "#d62728", &Sample::fds},
+                             // Raw descriptors follow the machine's process count (one kept-open
+                             // status file per process): what is beyond it is ours.
+                             {"descriptors beyond processes", "#d62728", &Sample::descriptorsBeyondProcesses},
                              {"X resources", "#9467bd", &Sample::xResources}};
     const int width = 720, rowHeight = 120, left = 70, right = 20;
     std::ofstream out(path);
@@ -136,7 +138,7 @@ void writeSvg(const std::string& path, const std::vector<Sample>& samples)
         << rowHeight * static_cast<int>(std::size(series)) + 30
         << "\" font-family=\"sans-serif\" font-size=\"11\">\n<rect width=\"100%\" height=\"100%\" fill=\"white\"/>\n";
     const double lastTick = static_cast<double>(std::max<long>(1, samples.back().tick));
-    for (int s = 0; s < 4; ++s) {
+    for (std::size_t s = 0; s < std::size(series); ++s) {
         const Series& each = series[s];
         long lo = samples.front().*each.field, hi = lo;
         for (const Sample& x : samples) {
@@ -147,7 +149,7 @@ void writeSvg(const std::string& path, const std::vector<Sample>& samples)
         const double span =
             std::max<double>(static_cast<double>(hi - lo), std::max(4.0, 0.04 * static_cast<double>(hi)));
         const double bottom = static_cast<double>(lo) - (span - static_cast<double>(hi - lo)) / 2;
-        const int top = 10 + s * rowHeight, plot = rowHeight - 30;
+        const int top = 10 + static_cast<int>(s) * rowHeight, plot = rowHeight - 30;
         out << "<text x=\"" << left << "\" y=\"" << top + 8 << "\">" << each.name << " (" << lo << " to " << hi
             << ")</text>\n";
         out << "<line x1=\"" << left << "\" y1=\"" << top + 14 + plot << "\" x2=\"" << width - right << "\" y2=\""
