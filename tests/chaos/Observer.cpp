@@ -157,9 +157,13 @@ Scene Observer::look()
         const xcb_atom_t dialogType = atom("_NET_WM_WINDOW_TYPE_DIALOG");
         w.dialog = type == dialogType || (type == XCB_NONE && transient);
         w.regularType = type == XCB_NONE || type == atom("_NET_WM_WINDOW_TYPE_NORMAL") || type == dialogType;
-        for (const xcb_atom_t s : states)
+        for (const xcb_atom_t s : states) {
             if (s == atom("_NET_WM_STATE_SKIP_TASKBAR"))
                 w.skipTaskbar = true;
+            // Minimized means this too (EWMH): icewm hides a minimized window's group this way.
+            if (s == atom("_NET_WM_STATE_HIDDEN"))
+                w.iconic = true;
+        }
         for (const xcb_atom_t p : protocols)
             if (p == atom("WM_DELETE_WINDOW"))
                 w.closable = true;

@@ -20,7 +20,7 @@ namespace stowly::chaos {
 struct SeenWindow {
     std::uint32_t id = 0;
     int pid = 0;              // _NET_WM_PID (our test apps all tell the truth)
-    bool iconic = false;      // ICCCM WM_STATE Iconic
+    bool iconic = false;      // minimized: ICCCM WM_STATE Iconic or EWMH _NET_WM_STATE_HIDDEN
     bool hiddenMark = false;  // _STOWLY_HIDDEN set
     bool dialog = false;      // type DIALOG, or no type and transient for another
     bool regularType = false; // NORMAL, DIALOG or no type
