@@ -552,4 +552,33 @@ TEST(OpenApps, EveryTickEqualsAFreshReadAsTheDesktopChanges)
     run("xdotool set_window --name tick-first-renamed " + std::to_string(windowOfTitle("tick-first")));
     ASSERT_TRUE(waitUntil([] { return windowOfTitle("tick-first-renamed") != 0; }));
     EXPECT_TRUE(tickEqualsFreshRead(model)) << "after a rename";
+
+    // A process named like the first app counts into its memory; once it has exited, its
+    // pid goes to a process of another name (the kernel is asked for that pid), which
+    // must not.
+    const std::string bin = dirs().root + "/tick-bin";
+    mkdir(bin.c_str(), 0700);
+    for (const char* name : {"tickfirst", "tickother"})
+        symlink("/bin/sleep", (bin + "/" + name).c_str());
+    const int namesake = spawn({bin + "/tickfirst", "1000"});
+    ASSERT_GT(namesake, 0);
+    ASSERT_TRUE(waitUntil([&] { return readText("/proc/" + std::to_string(namesake) + "/comm") == "tickfirst\n"; }));
+    EXPECT_TRUE(tickEqualsFreshRead(model)) << "with a namesake process";
+    kill(namesake);
+    int successor = -1;
+    for (int attempt = 0; attempt < 200 && successor != namesake; ++attempt) {
+        if (successor > 0)
+            kill(successor);
+        std::ofstream("/proc/sys/kernel/ns_last_pid") << namesake - 1;
+        successor = spawn({bin + "/tickother", "1000"});
+    }
+    if (successor == namesake) {
+        ASSERT_TRUE(
+            waitUntil([&] { return readText("/proc/" + std::to_string(successor) + "/comm") == "tickother\n"; }));
+        EXPECT_TRUE(tickEqualsFreshRead(model)) << "after the pid went to another process";
+    } else {
+        ADD_FAILURE() << "pid " << namesake << " could not be had again (is /proc/sys/kernel/ns_last_pid writable?)";
+    }
+    if (successor > 0)
+        kill(successor);
 }
