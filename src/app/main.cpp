@@ -5,6 +5,7 @@
 // Stowly: a tray utility that clears the desktop of other apps' windows.
 #include "AppModel.h"
 #include "CommandLine.h"
+#include "HeapRelease.h"
 #include "NotifyingPreferenceStore.h"
 #include "PanelWindow.h"
 #include "StatusIcon.h"
@@ -66,6 +67,7 @@ int runOnce(int argc, char* argv[], const stowly::CommandRequest& request)
 
 int runTray(int argc, char* argv[])
 {
+    stowly::keepHeapCompact();
 #if !defined(Q_OS_MACOS)
     stowly::LinuxSession::prepareEnvironment();
 #endif

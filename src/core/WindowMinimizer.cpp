@@ -38,6 +38,20 @@ QList<uint> unicodeOrderKey(const QString& text)
     return text.normalized(QString::NormalizationForm_C).toUcs4();
 }
 
+// The collator of the user's locale, made again when that locale changes rather than
+// once a second.
+const NameCollator& collatorOfUserLocale()
+{
+    thread_local std::optional<NameCollator> collator;
+    thread_local QLocale madeFor;
+    const QLocale locale;
+    if (!collator || locale != madeFor) {
+        collator.emplace(locale);
+        madeFor = locale;
+    }
+    return *collator;
+}
+
 } // namespace
 
 WindowMinimizer::WindowMinimizer(Workspace& workspace, Accessibility& accessibility, ProcessTable& processTable)
@@ -209,7 +223,7 @@ std::vector<RunningAppInfo> WindowMinimizer::runningApps()
         });
     }
 
-    const NameCollator collator; // the user's locale, as a localized comparison would use
+    const NameCollator& collator = collatorOfUserLocale(); // as a localized comparison would use
     std::stable_sort(infos.begin(), infos.end(), [&collator](const RunningAppInfo& a, const RunningAppInfo& b) {
         const std::uint64_t ma = a.memoryBytes.value_or(0);
         const std::uint64_t mb = b.memoryBytes.value_or(0);

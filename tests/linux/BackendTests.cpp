@@ -19,6 +19,7 @@
 
 #include <gtest/gtest.h>
 
+#include <dirent.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -173,6 +174,104 @@ TEST(BareServer, AWindowListedTwiceIsOneWindow)
     ASSERT_NE(windows, nullptr);
     EXPECT_EQ(windows->size(), 1u);
     xcb_disconnect(c);
+}
+
+namespace {
+
+// A stand-in window manager on its own connection: only what EWMH says a manager
+// announces, a check window pointing at itself and _NET_SUPPORTED on the root.
+class AnnouncingManager {
+public:
+    explicit AnnouncingManager(const std::string& display) : m_c(xcb_connect(display.c_str(), nullptr))
+    {
+        m_root = xcb_setup_roots_iterator(xcb_get_setup(m_c)).data->root;
+    }
+    ~AnnouncingManager() { xcb_disconnect(m_c); }
+    AnnouncingManager(const AnnouncingManager&) = delete;
+    AnnouncingManager& operator=(const AnnouncingManager&) = delete;
+
+    bool ok() const { return xcb_connection_has_error(m_c) == 0; }
+    xcb_atom_t atom(const char* name)
+    {
+        auto* reply = xcb_intern_atom_reply(m_c, xcb_intern_atom(m_c, 0, std::strlen(name), name), nullptr);
+        const xcb_atom_t atom = reply ? reply->atom : XCB_NONE;
+        std::free(reply);
+        return atom;
+    }
+    // A new check window, and the root pointing at it.
+    xcb_window_t announce()
+    {
+        const xcb_window_t check = xcb_generate_id(m_c);
+        xcb_create_window(m_c, XCB_COPY_FROM_PARENT, check, m_root, -1, -1, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
+                          XCB_COPY_FROM_PARENT, 0, nullptr);
+        const xcb_atom_t wmCheck = atom("_NET_SUPPORTING_WM_CHECK");
+        xcb_change_property(m_c, XCB_PROP_MODE_REPLACE, check, wmCheck, XCB_ATOM_WINDOW, 32, 1, &check);
+        xcb_change_property(m_c, XCB_PROP_MODE_REPLACE, m_root, wmCheck, XCB_ATOM_WINDOW, 32, 1, &check);
+        supports({atom("_NET_CLIENT_LIST"), atom("_NET_ACTIVE_WINDOW")});
+        return check;
+    }
+    void supports(const std::vector<xcb_atom_t>& atoms)
+    {
+        xcb_change_property(m_c, XCB_PROP_MODE_REPLACE, m_root, atom("_NET_SUPPORTED"), XCB_ATOM_ATOM, 32,
+                            static_cast<std::uint32_t>(atoms.size()), atoms.data());
+        sync();
+    }
+    void destroy(xcb_window_t window)
+    {
+        xcb_destroy_window(m_c, window);
+        sync();
+    }
+    void sync() { std::free(xcb_get_input_focus_reply(m_c, xcb_get_input_focus(m_c), nullptr)); }
+
+private:
+    xcb_connection_t* m_c;
+    xcb_window_t m_root = XCB_NONE;
+};
+
+} // namespace
+
+TEST(BareServer, TrustIsKeptWithoutRoundTripsUntilTheManagerChanges)
+{
+    Display bare(false);
+    ASSERT_TRUE(bare.ok());
+    x11::X11Platform linux_(bare.name());
+    AccessibilityTrust& trust = linux_.platform().trust;
+    x11::XConnection& x = linux_.connection();
+    EXPECT_FALSE(trust.isProcessTrusted(false));
+
+    AnnouncingManager manager(bare.name());
+    ASSERT_TRUE(manager.ok());
+    const xcb_window_t first = manager.announce();
+    EXPECT_TRUE(trust.isProcessTrusted(false));
+    const std::uint64_t asked = x.roundTrips();
+    for (int i = 0; i < 5; ++i)
+        EXPECT_TRUE(trust.isProcessTrusted(false));
+    EXPECT_EQ(x.roundTrips(), asked) << "a kept answer asks the server nothing";
+
+    // The manager goes: its check window is destroyed, the root still names it.
+    manager.destroy(first);
+    EXPECT_FALSE(trust.isProcessTrusted(false));
+
+    // A new manager, then one that stops listing its clients.
+    const xcb_window_t second = manager.announce();
+    EXPECT_TRUE(trust.isProcessTrusted(false));
+    EXPECT_TRUE(trust.isProcessTrusted(false));
+    manager.supports({manager.atom("_NET_ACTIVE_WINDOW")});
+    EXPECT_FALSE(trust.isProcessTrusted(false));
+    manager.supports({manager.atom("_NET_CLIENT_LIST")});
+    EXPECT_TRUE(trust.isProcessTrusted(false));
+
+    // The check window stops pointing at itself: a leftover, not a manager.
+    const xcb_atom_t wmCheck = manager.atom("_NET_SUPPORTING_WM_CHECK");
+    EXPECT_TRUE(trust.isProcessTrusted(false));
+    {
+        xcb_connection_t* c = xcb_connect(bare.name().c_str(), nullptr);
+        const xcb_window_t nobody = XCB_NONE;
+        xcb_change_property(c, XCB_PROP_MODE_REPLACE, second, wmCheck, XCB_ATOM_WINDOW, 32, 1, &nobody);
+        std::free(xcb_get_input_focus_reply(c, xcb_get_input_focus(c), nullptr));
+        xcb_disconnect(c);
+    }
+    EXPECT_FALSE(trust.isProcessTrusted(false));
 }
 
 TEST_F(Backend, ElementsOfALostConnectionAnswerCannotComplete)
@@ -687,6 +786,82 @@ TEST_F(Backend, MemoryCountersMatchProc)
     if (readText("/proc/2/status").find("Name:\tkthreadd") != std::string::npos) {
         EXPECT_NE(table.pidRusage(2, usage), 0);
         EXPECT_NE(table.pidTaskInfo(2, task), kTaskInfoSize);
+    }
+}
+
+namespace {
+
+// The kernel's own threads as /proc/PID/stat flags them (PF_KTHREAD).
+std::vector<std::int32_t> kernelThreads()
+{
+    std::vector<std::int32_t> pids;
+    DIR* dir = opendir("/proc");
+    while (dirent* entry = dir != nullptr ? readdir(dir) : nullptr) {
+        const int pid = std::atoi(entry->d_name);
+        if (pid <= 0)
+            continue;
+        const std::string stat = readText("/proc/" + std::to_string(pid) + "/stat");
+        const auto paren = stat.rfind(')');
+        if (paren == std::string::npos)
+            continue;
+        std::istringstream fields(stat.substr(paren + 1));
+        std::string skipped;
+        unsigned long flags = 0;
+        for (int i = 0; i < 6; ++i)
+            fields >> skipped;
+        if (fields >> flags && (flags & 0x00200000) != 0)
+            pids.push_back(pid);
+    }
+    if (dir != nullptr)
+        closedir(dir);
+    return pids;
+}
+
+} // namespace
+
+TEST(ProcStatus, KernelThreadsAreReadOnceAndAnsweredAsAFreshReadWould)
+{
+    const std::vector<std::int32_t> threads = kernelThreads();
+    if (threads.empty())
+        GTEST_SKIP() << "no kernel threads are visible in this pid namespace";
+    linuxdesktop::ProcStatusCache cache;
+    linuxdesktop::LinuxProcessTable table(cache);
+    const auto own = static_cast<std::int32_t>(getpid());
+    cache.beginPass();
+    for (const std::int32_t pid : threads)
+        EXPECT_FALSE(cache.status(pid).vmRssKb) << pid;
+    ASSERT_TRUE(cache.status(own).vmRssKb);
+    EXPECT_GT(cache.knownKernelThreads(), 0u);
+
+    // The next pass reads our own status again, the threads' only where one has exited.
+    const std::uint64_t readsBefore = cache.reads();
+    cache.beginPass();
+    for (const std::int32_t pid : threads) {
+        const linuxdesktop::ProcStatus& kept = cache.status(pid);
+        const auto text = linuxdesktop::readProcFile("/proc/" + std::to_string(pid) + "/status");
+        if (!text)
+            continue; // gone meanwhile
+        const linuxdesktop::ProcStatus fresh = linuxdesktop::parseProcStatus(*text);
+        EXPECT_EQ(kept.readable, fresh.readable) << pid;
+        EXPECT_EQ(kept.ppid, fresh.ppid) << pid;
+        EXPECT_EQ(kept.realUid, fresh.realUid) << pid;
+        EXPECT_EQ(kept.vmRssKb, fresh.vmRssKb) << pid;
+        EXPECT_EQ(kept.rssAnonKb, fresh.rssAnonKb) << pid;
+        RusageInfo usage;
+        EXPECT_NE(table.pidRusage(pid, usage), 0) << pid;
+    }
+    EXPECT_TRUE(cache.status(own).vmRssKb);
+    std::size_t gone = 0;
+    for (const std::int32_t pid : threads)
+        gone += access(("/proc/" + std::to_string(pid)).c_str(), F_OK) != 0 ? 1 : 0;
+    EXPECT_GE(cache.reads() - readsBefore, 1u);
+    EXPECT_LE(cache.reads() - readsBefore, 1u + gone);
+
+    // Names are read afresh (a worker's changes with its work); kthreadd's stays.
+    if (std::find(threads.begin(), threads.end(), 2) != threads.end()) {
+        char name[64];
+        ASSERT_GT(table.name(2, name, sizeof name), 0);
+        EXPECT_EQ(std::string(name) + "\n", readText("/proc/2/comm"));
     }
 }
 

@@ -21,6 +21,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <fstream>
 #include <map>
 #include <set>
@@ -552,4 +553,39 @@ TEST(OpenApps, EveryTickEqualsAFreshReadAsTheDesktopChanges)
     run("xdotool set_window --name tick-first-renamed " + std::to_string(windowOfTitle("tick-first")));
     ASSERT_TRUE(waitUntil([] { return windowOfTitle("tick-first-renamed") != 0; }));
     EXPECT_TRUE(tickEqualsFreshRead(model)) << "after a rename";
+
+    // A process named like the first app counts into its memory; once it has exited, its
+    // pid goes to a process of another name (the kernel is asked for that pid), which
+    // must not.
+    const std::string bin = dirs().root + "/tick-bin";
+    mkdir(bin.c_str(), 0700);
+    for (const char* name : {"tickfirst", "tickother"})
+        symlink("/bin/sleep", (bin + "/" + name).c_str());
+    const int namesake = spawn({bin + "/tickfirst", "1000"});
+    ASSERT_GT(namesake, 0);
+    ASSERT_TRUE(waitUntil([&] { return readText("/proc/" + std::to_string(namesake) + "/comm") == "tickfirst\n"; }));
+    EXPECT_TRUE(tickEqualsFreshRead(model)) << "with a namesake process";
+    kill(namesake);
+    int successor = -1;
+    bool mayChoosePids = true;
+    for (int attempt = 0; attempt < 200 && successor != namesake && mayChoosePids; ++attempt) {
+        if (successor > 0)
+            kill(successor);
+        std::ofstream lastPid("/proc/sys/kernel/ns_last_pid");
+        lastPid << namesake - 1 << std::flush;
+        mayChoosePids = static_cast<bool>(lastPid); // needs CAP_SYS_ADMIN (or CAP_CHECKPOINT_RESTORE)
+        lastPid.close();
+        successor = spawn({bin + "/tickother", "1000"});
+    }
+    if (successor == namesake) {
+        ASSERT_TRUE(
+            waitUntil([&] { return readText("/proc/" + std::to_string(successor) + "/comm") == "tickother\n"; }));
+        EXPECT_TRUE(tickEqualsFreshRead(model)) << "after the pid went to another process";
+    } else if (mayChoosePids) {
+        ADD_FAILURE() << "pid " << namesake << " could not be had again in 200 attempts";
+    } else {
+        std::printf("[note] /proc/sys/kernel/ns_last_pid is not writable here: the reused pid is not checked\n");
+    }
+    if (successor > 0)
+        kill(successor);
 }

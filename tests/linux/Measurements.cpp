@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <ctime>
 
 using namespace stowly;
 using namespace stowly::testbed;
@@ -34,6 +35,29 @@ double medianMicroseconds(int runs, F&& f)
         const auto start = std::chrono::steady_clock::now();
         f();
         samples.push_back(std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start).count());
+    }
+    std::sort(samples.begin(), samples.end());
+    return samples[samples.size() / 2];
+}
+
+// The CPU time this thread spent, user and system: what a tick costs the machine, which
+// on a shared machine says more than the wall time around it.
+double threadCpuMicroseconds()
+{
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) * 1e6 + static_cast<double>(now.tv_nsec) / 1e3;
+}
+
+template <typename F>
+double medianCpuMicroseconds(int runs, F&& f)
+{
+    std::vector<double> samples;
+    samples.reserve(static_cast<std::size_t>(runs));
+    for (int i = 0; i < runs; ++i) {
+        const double start = threadCpuMicroseconds();
+        f();
+        samples.push_back(threadCpuMicroseconds() - start);
     }
     std::sort(samples.begin(), samples.end());
     return samples[samples.size() / 2];
@@ -74,6 +98,25 @@ TEST(Measure, RefreshCost)
     const double runningAppsUs = medianMicroseconds(runs, [&] { (void)minimizer.runningApps(); });
     const double refreshUs = medianMicroseconds(runs, [&] { model.refreshSnapshot(); });
     const double workspaceOnlyUs = medianMicroseconds(runs, [&] { (void)p.workspace.runningApplications(); });
+
+    // One tick's CPU time by part, each part as the tick does it.
+    const double tickCpuUs = medianCpuMicroseconds(runs, [&] { model.refreshSnapshot(); });
+    const double trustCpuUs = medianCpuMicroseconds(runs, [&] { (void)p.trust.isProcessTrusted(false); });
+    const double listingCpuUs = medianCpuMicroseconds(runs, [&] { (void)minimizer.allPIDs(); });
+    const double memoryCpuUs = medianCpuMicroseconds(runs, [&] {
+        for (const std::int32_t pid : minimizer.allPIDs())
+            (void)minimizer.memoryUsage(pid);
+    });
+    const double recordsCpuUs = medianCpuMicroseconds(runs, [&] { (void)minimizer.groupedProcessMemory(); });
+    const std::uint64_t beforeQuiet = linux_.connection().roundTrips();
+    model.refreshSnapshot();
+    const std::uint64_t quietTrips = linux_.connection().roundTrips() - beforeQuiet;
+    std::printf("[measure] one tick's CPU time, median of %d: refreshSnapshot %.0f us (%llu X round trips with nothing "
+                "changed); access check %.0f us; process listing %.0f us; listing + memory of every process %.0f us; "
+                "listing + memory + names + owners %.0f us\n",
+                runs, tickCpuUs, static_cast<unsigned long long>(quietTrips), trustCpuUs, listingCpuUs, memoryCpuUs,
+                recordsCpuUs);
+    RecordProperty("tickCpuMicroseconds", static_cast<int>(tickCpuUs));
 
     std::printf("[measure] %d processes, %zu managed windows, %zu listed apps\n", processes, windows, apps_);
     std::printf("[measure] WindowMinimizer::runningApps(): median %.0f us over %d runs, %llu X round trips\n",

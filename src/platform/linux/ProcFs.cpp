@@ -6,14 +6,17 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <poll.h>
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/select.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <string_view>
 
@@ -131,6 +134,10 @@ ProcStatus parseProcStatus(std::string_view text)
             status.rssShmemKb = parseKb(value);
         } else if (key == "VmSwap") {
             status.vmSwapKb = parseKb(value);
+            // The kernel writes the memory lines after the identity lines and VmSwap last
+            // of them; the signal masks, capabilities and CPU lists after it are not read.
+            if (status.state != '?' && status.ppid >= 0 && status.realUid && status.vmRssKb && status.rssAnonKb)
+                break;
         }
     }
     return status;
@@ -170,6 +177,107 @@ ProcStatusCache::~ProcStatusCache()
 {
     for (const auto& [pid, file] : m_files)
         ::close(file.fd);
+    for (const auto& [pid, thread] : m_kernelThreads)
+        ::close(thread.pidfd);
+}
+
+namespace {
+
+// kthreadd (pid 2) and its children are the kernel's threads: no address space, so no
+// memory lines in their status; a zombie lacks those lines too, but has exited.
+bool isKernelThread(std::int32_t pid, const ProcStatus& status)
+{
+    const bool exited = status.state == 'Z' || status.state == 'X' || status.state == 'x';
+    return status.readable && !exited && !status.vmRssKb && !status.rssAnonKb && (pid == 2 || status.ppid == 2);
+}
+
+// PF_KTHREAD in the flags of /proc/PID/stat (field 9): set for the kernel's own threads
+// only, not for a helper the kernel starts without memory before it executes a program.
+bool hasKernelThreadFlag(std::int32_t pid)
+{
+    constexpr unsigned long kPfKthread = 0x00200000;
+    const auto stat = readProcFile(pidPath(pid, "stat"), 4096);
+    if (!stat)
+        return false;
+    const auto paren = stat->rfind(')');
+    if (paren == std::string::npos)
+        return false;
+    // After the name: state, ppid, pgrp, session, tty_nr, tpgid, then the flags.
+    const char* cursor = stat->c_str() + paren + 1;
+    for (int field = 0; field < 6; ++field) {
+        cursor = std::strchr(cursor + 1, ' ');
+        if (cursor == nullptr)
+            return false;
+    }
+    char* end = nullptr;
+    const unsigned long flags = std::strtoul(cursor + 1, &end, 10);
+    return end != cursor + 1 && (flags & kPfKthread) != 0;
+}
+
+int openPidfd(std::int32_t pid)
+{
+#ifdef SYS_pidfd_open
+    return static_cast<int>(::syscall(SYS_pidfd_open, pid, 0));
+#else
+    (void)pid;
+    errno = ENOSYS;
+    return -1;
+#endif
+}
+
+} // namespace
+
+void ProcStatusCache::rememberIfKernelThread(std::int32_t pid, const ProcStatus& status)
+{
+    if (!isKernelThread(pid, status) || m_files.size() + m_kernelThreads.size() >= m_maxOpenFiles)
+        return;
+    const auto kept = m_files.find(pid);
+    if (kept == m_files.end() || !hasKernelThreadFlag(pid))
+        return;
+    const int pidfd = openPidfd(pid);
+    if (pidfd < 0)
+        return;
+    // The status file read a moment ago still answers only while the thread it was opened
+    // for lives; then the flags read and the pidfd, opened before this check, are that
+    // same thread's.
+    char probe[64];
+    if (::pread(kept->second.fd, probe, sizeof probe, 0) <= 0) {
+        ::close(pidfd);
+        return;
+    }
+    ::close(kept->second.fd);
+    m_files.erase(kept);
+    // The kernel renames some of its workers as they take up other work: a name asked
+    // for is read afresh (LinuxProcessTable::name falls back to comm).
+    ProcStatus remembered = status;
+    remembered.name.clear();
+    remembered.nameIsExact = false;
+    m_kernelThreads.emplace(pid, KernelThread{pidfd, std::move(remembered)});
+}
+
+void ProcStatusCache::forgetExitedKernelThreads()
+{
+    if (m_kernelThreads.empty())
+        return;
+    // One poll for all of them: a pidfd becomes readable once its process has exited.
+    std::vector<pollfd> fds;
+    fds.reserve(m_kernelThreads.size());
+    m_pollPids.clear();
+    for (const auto& [pid, thread] : m_kernelThreads) {
+        fds.push_back(pollfd{thread.pidfd, POLLIN, 0});
+        m_pollPids.push_back(pid);
+    }
+    int ready;
+    do
+        ready = ::poll(fds.data(), fds.size(), 0);
+    while (ready < 0 && errno == EINTR);
+    for (std::size_t i = 0; i < fds.size(); ++i) {
+        // A failed poll trusts none of them.
+        if (ready < 0 || fds[i].revents != 0) {
+            ::close(fds[i].fd);
+            m_kernelThreads.erase(m_pollPids[i]);
+        }
+    }
 }
 
 namespace {
@@ -259,12 +367,14 @@ void ProcStatusCache::beginPass()
             ++it;
         }
     }
+    forgetExitedKernelThreads();
     m_passStart = std::chrono::steady_clock::now();
 }
 
 // Fills m_buffer with the status text of pid; false when the process cannot be read.
 bool ProcStatusCache::readStatus(std::int32_t pid, std::size_t& length)
 {
+    ++m_reads;
     const auto kept = m_files.find(pid);
     if (kept != m_files.end()) {
         kept->second.used = true;
@@ -291,7 +401,7 @@ bool ProcStatusCache::readStatus(std::int32_t pid, std::size_t& length)
         return false;
     }
     length = static_cast<std::size_t>(n);
-    if (m_files.size() < m_maxOpenFiles)
+    if (m_files.size() + m_kernelThreads.size() < m_maxOpenFiles)
         m_files.emplace(pid, OpenFile{fd, true});
     else
         ::close(fd);
@@ -305,10 +415,14 @@ const ProcStatus& ProcStatusCache::status(std::int32_t pid)
     const auto it = m_entries.find(pid);
     if (it != m_entries.end())
         return it->second;
+    if (const auto thread = m_kernelThreads.find(pid); thread != m_kernelThreads.end())
+        return thread->second.status;
     ProcStatus status;
     std::size_t length = 0;
-    if (pid > 0 && readStatus(pid, length))
+    if (pid > 0 && readStatus(pid, length)) {
         status = parseProcStatus(std::string_view(m_buffer.data(), length));
+        rememberIfKernelThread(pid, status);
+    }
     return m_entries.emplace(pid, std::move(status)).first->second;
 }
 

@@ -47,15 +47,31 @@ public:
     void beginPass();
     const ProcStatus& status(std::int32_t pid);
 
+    // Status files read so far (for measurements).
+    std::uint64_t reads() const { return m_reads; }
+    // Kernel threads currently answered without a read.
+    std::size_t knownKernelThreads() const { return m_kernelThreads.size(); }
+
 private:
     struct OpenFile {
         int fd = -1;
         bool used = false; // asked about in the current pass
     };
+    // A kernel thread has no memory and never becomes anything else; what its status said
+    // holds until it exits, which its pidfd tells without reading anything.
+    struct KernelThread {
+        int pidfd = -1;
+        ProcStatus status;
+    };
     bool readStatus(std::int32_t pid, std::size_t& length);
+    void rememberIfKernelThread(std::int32_t pid, const ProcStatus& status);
+    void forgetExitedKernelThreads();
 
     std::unordered_map<std::int32_t, ProcStatus> m_entries;
     std::unordered_map<std::int32_t, OpenFile> m_files;
+    std::unordered_map<std::int32_t, KernelThread> m_kernelThreads;
+    std::vector<std::int32_t> m_pollPids;
+    std::uint64_t m_reads = 0;
     std::size_t m_maxOpenFiles = 0;
     std::vector<char> m_buffer;
     std::chrono::steady_clock::time_point m_passStart{};

@@ -160,9 +160,25 @@ AXError X11Accessibility::performAction(const AXElementRef& element, const std::
 bool X11AccessibilityTrust::isProcessTrusted(bool prompt)
 {
     (void)prompt; // X11 has no access prompt: asking is the same query
-    if (!m_x.ensureConnected())
+    if (!m_x.ensureConnected()) {
+        m_trustedSince.reset();
         return false;
+    }
     m_x.drainEvents();
+    if (m_trustedSince && m_trustedGeneration == m_x.generation() && !m_x.wmCheckChangedSince(*m_trustedSince))
+        return true;
+    m_trustedSince.reset();
+    if (!askServer())
+        return false;
+    // The watch was sent before the check window's property was read, so any change
+    // after that read arrives as an event and ends the kept answer.
+    m_trustedSince = m_x.eventSerial();
+    m_trustedGeneration = m_x.generation();
+    return true;
+}
+
+bool X11AccessibilityTrust::askServer()
+{
     xcb_connection_t* c = m_x.get();
     const auto checkCookie =
         xcb_get_property_unchecked(c, 0, m_x.root(), m_x.atom(Atom::NET_SUPPORTING_WM_CHECK), XCB_ATOM_WINDOW, 0, 1);
@@ -191,6 +207,7 @@ bool X11AccessibilityTrust::isProcessTrusted(bool prompt)
     if (check == XCB_NONE || !listsClients)
         return false;
     // EWMH: the check window must point at itself, or it is a leftover of a dead WM.
+    m_x.watchWmCheckWindow(check);
     error = nullptr;
     bool valid = false;
     const auto childCookie =

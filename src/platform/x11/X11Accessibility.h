@@ -8,6 +8,8 @@
 #include "XConnection.h"
 #include "platform/Accessibility.h"
 
+#include <optional>
+
 namespace stowly::x11 {
 
 // Accessibility elements over EWMH client windows. Reading "AXWindows" reads every
@@ -31,10 +33,16 @@ private:
 class X11AccessibilityTrust : public AccessibilityTrust {
 public:
     explicit X11AccessibilityTrust(XConnection& x) : m_x(x) {}
+    // Asked once a second: a yes is kept, without a round trip, while the window
+    // manager's check window is watched and nothing it announces has changed.
     bool isProcessTrusted(bool prompt) override;
 
 private:
+    bool askServer();
+
     XConnection& m_x;
+    std::optional<std::uint64_t> m_trustedSince; // event serial of the last yes
+    std::uint64_t m_trustedGeneration = 0;
 };
 
 } // namespace stowly::x11

@@ -188,6 +188,8 @@ void XConnection::resetTracking()
     ++m_serial;
     m_clientListChangedAt = m_serial;
     m_rootStateChangedAt = m_serial;
+    m_wmCheckChangedAt = m_serial;
+    m_wmCheckWindow = XCB_NONE;
     m_watched.clear();
     m_latestSnapshot.reset();
     m_wmSupportsClose.reset();
@@ -250,6 +252,8 @@ void XConnection::handleEvent(const xcb_generic_event_t* event)
             // A window we asked about is gone: stop vouching for it.
             m_watched.erase(error->resource_id);
             ++m_serial;
+            if (error->resource_id == m_wmCheckWindow)
+                forgetWmCheckWindow();
         }
         return;
     }
@@ -264,9 +268,14 @@ void XConnection::handleEvent(const xcb_generic_event_t* event)
             else if (notify->atom == atom(Atom::NET_ACTIVE_WINDOW) ||
                      notify->atom == atom(Atom::NET_CLIENT_LIST_STACKING))
                 m_rootStateChangedAt = ++m_serial;
-            else if (notify->atom == atom(Atom::NET_SUPPORTED))
+            else if (notify->atom == atom(Atom::NET_SUPPORTED) || notify->atom == atom(Atom::NET_SUPPORTING_WM_CHECK))
+                forgetWmCheckWindow();
+            if (notify->atom == atom(Atom::NET_SUPPORTED))
                 m_wmSupportsClose.reset();
-        } else if (const auto it = m_watched.find(notify->window); it != m_watched.end()) {
+        } else if (notify->window == m_wmCheckWindow) {
+            forgetWmCheckWindow();
+        }
+        if (const auto it = m_watched.find(notify->window); it != m_watched.end()) {
             auto& changes = it->second.changes;
             const auto entry = std::find_if(changes.begin(), changes.end(),
                                             [&](const auto& change) { return change.first == notify->atom; });
@@ -282,6 +291,8 @@ void XConnection::handleEvent(const xcb_generic_event_t* event)
         const auto* notify = reinterpret_cast<const xcb_destroy_notify_event_t*>(event);
         if (m_watched.erase(notify->window) != 0)
             ++m_serial;
+        if (notify->window == m_wmCheckWindow)
+            forgetWmCheckWindow();
         break;
     }
     default: break; // mapping, moves, resizes and the rest change no property we read
@@ -313,6 +324,23 @@ void XConnection::watchWindow(xcb_window_t window)
     const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(m_connection, window, XCB_CW_EVENT_MASK, &mask);
     m_watched.emplace(window, Watch{++m_serial, 0, {}});
+}
+
+void XConnection::watchWmCheckWindow(xcb_window_t window)
+{
+    if (!isConnected() || window == XCB_NONE || window == m_wmCheckWindow)
+        return;
+    // The same mask as a client window's watch: the two may well be one window.
+    const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(m_connection, window, XCB_CW_EVENT_MASK, &mask);
+    m_wmCheckWindow = window;
+    m_wmCheckChangedAt = ++m_serial;
+}
+
+void XConnection::forgetWmCheckWindow()
+{
+    m_wmCheckWindow = XCB_NONE;
+    m_wmCheckChangedAt = ++m_serial;
 }
 
 void XConnection::forgetWindowsExcept(const std::vector<xcb_window_t>& listed)

@@ -113,6 +113,13 @@ public:
     std::shared_ptr<const WindowSnapshot> latestSnapshot() const { return m_latestSnapshot; }
     void setLatestSnapshot(std::shared_ptr<const WindowSnapshot> snapshot) { m_latestSnapshot = std::move(snapshot); }
 
+    // The EWMH check window of the running window manager, watched so that a trusted
+    // answer can be kept until the manager goes or changes what it announces: its
+    // destruction, a change of its _NET_SUPPORTING_WM_CHECK, or a change of the root's
+    // _NET_SUPPORTING_WM_CHECK or _NET_SUPPORTED. Sent before the window's property is read.
+    void watchWmCheckWindow(xcb_window_t window);
+    bool wmCheckChangedSince(std::uint64_t serial) const { return m_wmCheckChangedAt > serial; }
+
     // Whether the window manager lists _NET_CLOSE_WINDOW in _NET_SUPPORTED, remembered
     // until the root's _NET_SUPPORTED changes (absent: not known).
     const std::optional<bool>& wmSupportsClose() const { return m_wmSupportsClose; }
@@ -138,6 +145,7 @@ private:
     void disconnect();
     void handleEvent(const xcb_generic_event_t* event);
     void resetTracking();
+    void forgetWmCheckWindow();
 
     std::string m_displayName;
     xcb_connection_t* m_connection = nullptr;
@@ -151,6 +159,8 @@ private:
     std::uint64_t m_serial = 0;
     std::uint64_t m_clientListChangedAt = 0;
     std::uint64_t m_rootStateChangedAt = 0;
+    std::uint64_t m_wmCheckChangedAt = 0;
+    xcb_window_t m_wmCheckWindow = XCB_NONE;
     struct Watch {
         std::uint64_t since = 0;                                   // serial at which the events were selected
         std::uint64_t lastChange = 0;                              // serial of the latest change of any property
