@@ -213,6 +213,11 @@ Rectangle {
                 // Tab walks into the rows' menu buttons, so the list itself takes no focus.
                 activeFocusOnTab: false
                 keyNavigationEnabled: false
+                // No current row: a list view hands the focus to its current row whenever
+                // the rows move, which on a tick that reorders them took it away from the
+                // menu button the user had tabbed to (and Enter then opened nothing).
+                currentIndex: -1
+                highlightFollowsCurrentItem: false
 
                 Accessible.role: Accessible.List
                 Accessible.name: root.panel.openAppsHeading

@@ -220,6 +220,57 @@ private slots:
         QCOMPARE(dismissed.count(), 1);
     }
 
+    void aRowMenuButtonKeepsTheFocusWhileTheRowsReorder()
+    {
+        // The list reorders its rows on a tick when memory figures change. The focus must
+        // stay on the menu button the user tabbed to, through the reorder and through a
+        // menu opened and closed on it, so that Enter then opens that app's menu.
+        UiFixture ui;
+        ui.fake.trust.trusted = true;
+        auto first = ui.addApp(101, "First", 30u << 20);
+        auto second = ui.addApp(102, "Second", 20u << 20);
+        ui.addApp(103, "Third", 10u << 20);
+        ui.start();
+        QQuickView& view = ui.panel();
+        activate(view);
+        QTRY_COMPARE(focusName(view), QStringLiteral("actionTile_minimize"));
+        for (int i = 0; i < 12 && focusName(view) != QStringLiteral("rowMenuButton"); ++i)
+            QTest::keyClick(&view, Qt::Key_Tab);
+        QCOMPARE(focusName(view), QStringLiteral("rowMenuButton"));
+        const auto focusedMenu = [&view] {
+            QQuickItem* item = focused(view);
+            return item ? item->property("text").toString() : QString();
+        };
+        QCOMPARE(focusedMenu(), QStringLiteral("Actions for First"));
+
+        // Second grows past First: the rows swap places.
+        ui.fake.processTable.processes[102].footprint = 40u << 20;
+        ui.model().refreshRunningApps();
+        ui.settle();
+        QCOMPARE(ui.find(view, QStringLiteral("appRow_0"))->property("name").toString(), QStringLiteral("Second"));
+        QCOMPARE(focusName(view), QStringLiteral("rowMenuButton"));
+        QCOMPARE(focusedMenu(), QStringLiteral("Actions for First"));
+
+        // A menu opened and closed from the keyboard hands the focus back to its button,
+        // also when the rows move while it is open.
+        QObject* menu = focused(view)->findChild<QObject*>(QStringLiteral("rowMenu"));
+        QVERIFY(menu);
+        QTest::keyClick(&view, Qt::Key_Return);
+        QTRY_VERIFY(menu->property("opened").toBool());
+        ui.fake.processTable.processes[101].footprint = 50u << 20;
+        ui.model().refreshRunningApps();
+        ui.settle();
+        QTest::keyClick(&view, Qt::Key_Escape);
+        QTRY_VERIFY(!menu->property("visible").toBool());
+        QTRY_COMPARE(focusedMenu(), QStringLiteral("Actions for First"));
+        QTest::keyClick(&view, Qt::Key_Return);
+        QTRY_VERIFY(menu->property("opened").toBool());
+        QTest::keyClick(&view, Qt::Key_Return);
+        QTRY_VERIFY(!menu->property("visible").toBool());
+        QCOMPARE(first->activateCalls.size(), std::size_t(1));
+        QCOMPARE(second->activateCalls.size(), std::size_t(0));
+    }
+
     void badgeTintScalesTheStatusColoursOwnAlpha()
     {
         UiFixture ui;
