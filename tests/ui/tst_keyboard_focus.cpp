@@ -386,11 +386,66 @@ private slots:
                     const QColor badge = composite(tint, under);
                     QVERIFY2(contrast(text, badge) >= 4.5, qPrintable(text.name() + " on its badge"));
                 }
+                // Secondary is the "Open" badge's colour: translucent text over its own tint.
+                QColor tint = scheme->secondary;
+                tint.setAlphaF(float(scheme->secondary.alphaF() * 0.14));
+                const QColor badge = composite(tint, under);
+                QVERIFY2(contrast(composite(scheme->secondary, badge), badge) >= 4.5,
+                         qPrintable(scheme->secondary.name(QColor::HexArgb) + " on its badge over " + under.name()));
             }
         }
+        // White text on the accent fills (the prominent button, a highlighted menu entry).
+        for (const ColorScheme* scheme : {&ColorScheme::light(), &ColorScheme::dark()})
+            QVERIFY2(contrast(scheme->white, scheme->accentFill) >= 4.5, qPrintable(scheme->accentFill.name()));
         // The formula itself: black on white is 21:1, a colour on itself 1:1.
         QVERIFY(qAbs(contrast(Qt::black, Qt::white) - 21.0) < 0.01);
         QVERIFY(qAbs(contrast(ColorScheme::light().orange, ColorScheme::light().orange) - 1.0) < 1e-9);
+    }
+
+    void everyStatusTextReachesFourAndAHalfToOneOnItsBadge()
+    {
+        // Read from the live panel, in both schemes: each badge's text over its tint laid on
+        // the panel's background, the status line beside it, and the orange access warning.
+        const QPalette before = QGuiApplication::palette();
+        for (const bool dark : {false, true}) {
+            QPalette desktop;
+            desktop.setColor(QPalette::Window, dark ? QColor(0x2a, 0x2a, 0x2a) : QColor(0xef, 0xef, 0xef));
+            desktop.setColor(QPalette::WindowText, dark ? QColor(0xee, 0xee, 0xee) : QColor(0x10, 0x10, 0x10));
+            QGuiApplication::setPalette(desktop);
+            UiFixture ui;
+            ui.fake.trust.trusted = false;
+            ui.addApp(101, "Front")->active = true;
+            ui.addApp(102, "Stowed")->hidden = true;
+            ui.addApp(103, "Other");
+            ui.start();
+            QQuickView& view = ui.panel();
+            const QColor panel = view.rootObject()->property("color").value<QColor>();
+            QCOMPARE(panel, dark ? ColorScheme::dark().windowBackground : ColorScheme::light().windowBackground);
+            QStringList seen;
+            for (int i = 0; i < 3; ++i) {
+                QQuickItem* row = ui.find(view, QStringLiteral("appRow_%1").arg(i));
+                QVERIFY(row);
+                QQuickItem* badgeText = ui.findIn(row, QStringLiteral("rowBadgeText"));
+                const QString status = badgeText->property("text").toString();
+                seen.append(status);
+                const QColor text = badgeText->property("color").value<QColor>();
+                const QColor tint =
+                    composite(ui.findIn(row, QStringLiteral("rowBadge"))->property("color").value<QColor>(), panel);
+                const double onBadge = contrast(composite(text, tint), tint);
+                QVERIFY2(onBadge >= 4.5, qPrintable(QStringLiteral("%1 badge %2:1 (%3)")
+                                                        .arg(status)
+                                                        .arg(onBadge, 0, 'f', 2)
+                                                        .arg(dark ? "dark" : "light")));
+                const QColor line = ui.findIn(row, QStringLiteral("rowStatusLine"))->property("color").value<QColor>();
+                QVERIFY2(contrast(composite(line, panel), panel) >= 4.5, qPrintable(status + " status line"));
+            }
+            seen.sort();
+            QCOMPARE(seen, (QStringList{QStringLiteral("Active"), QStringLiteral("Hidden"), QStringLiteral("Open")}));
+            const QColor warning =
+                ui.find(view, QStringLiteral("accessWarningText"))->property("color").value<QColor>();
+            QVERIFY2(contrast(composite(warning, panel), panel) >= 4.5, "the access warning");
+        }
+        QGuiApplication::setPalette(before);
     }
 
     void darkDesktopPaletteGivesTheDarkScheme()
