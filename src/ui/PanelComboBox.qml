@@ -11,7 +11,8 @@ import QtQuick.Controls
 // A pop-up menu button drawn like PanelButton: the plate, the accent ring while it holds
 // the keyboard focus, up and down chevrons at its trailing end; its list is a plate of the
 // same colours, the current entry in semibold and the highlighted one on the accent colour.
-// Space, Enter and the arrow keys open it; the arrows then move and Enter chooses.
+// Space and Enter open it; in the open list the arrows move and Enter chooses (on the
+// closed box the arrows step through the entries, as the style's own box does).
 ComboBox {
     id: box
 
@@ -21,15 +22,26 @@ ComboBox {
     rightPadding: 12 + 14 + 8   // the chevrons and 8 before them
     font.family: Theme.fontFamily
     font.pixelSize: Theme.subheadlineSize
-    // Enter opens the closed list too; with the list open it is the box's own key, which
-    // chooses the highlighted entry.
-    Keys.onReturnPressed: event => openOrPass(event)
-    Keys.onEnterPressed: event => openOrPass(event)
-    function openOrPass(event) {
-        if (popup.visible)
+    // Enter opens the closed list too. The box itself chooses the highlighted entry when
+    // Enter is released over an open list, so a closed one opens on the release as well,
+    // or the same key press would open and at once close it.
+    property bool openOnRelease: false
+    Keys.onPressed: event => {
+        if ((event.key === Qt.Key_Return || event.key === Qt.Key_Enter) && !popup.visible) {
+            openOnRelease = true
+            event.accepted = true
+        } else {
             event.accepted = false
-        else
+        }
+    }
+    Keys.onReleased: event => {
+        if ((event.key === Qt.Key_Return || event.key === Qt.Key_Enter) && openOnRelease) {
+            openOnRelease = false
             popup.open()
+            event.accepted = true
+        } else {
+            event.accepted = false
+        }
     }
 
     Accessible.onPressAction: if (enabled) box.popup.open()

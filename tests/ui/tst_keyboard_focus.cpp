@@ -367,6 +367,41 @@ private slots:
         QTRY_VERIFY(!view.isVisible());
     }
 
+    void pickerOpensFromTheKeyboardAndArrowsChoose()
+    {
+        UiFixture ui;
+        ui.start();
+        QQuickView& view = ui.settings();
+        activate(view);
+        QQuickItem* picker = ui.find(view, QStringLiteral("defaultActionPicker"));
+        for (int i = 0; i < 12 && view.activeFocusItem() != picker; ++i)
+            QTest::keyClick(&view, Qt::Key_Tab);
+        QCOMPARE(view.activeFocusItem(), picker);
+        QCOMPARE(
+            QQmlProperty::read(ui.findIn(picker, QStringLiteral("comboBoxBackground")), QStringLiteral("border.color"))
+                .value<QColor>(),
+            ColorScheme::light().accent);
+        // Items: Close Windows, Force Quit, Hide, Minimize; Minimize is current.
+        QObject* popup = picker->property("popup").value<QObject*>();
+        QTest::keyClick(&view, Qt::Key_Return);
+        QTRY_VERIFY(popup->property("opened").toBool());
+        QCOMPARE(picker->property("highlightedIndex").toInt(), 3);
+        QTest::keyClick(&view, Qt::Key_Up);
+        QTest::keyClick(&view, Qt::Key_Up);
+        QCOMPARE(picker->property("highlightedIndex").toInt(), 1);
+        QTest::keyClick(&view, Qt::Key_Return);
+        QTRY_VERIFY(!popup->property("visible").toBool());
+        QCOMPARE(ui.preference("defaultAction"), std::optional<std::string>("forceQuit"));
+        QCOMPARE(picker->property("currentText").toString(), QStringLiteral("Force Quit"));
+        // Space opens it too; Escape closes the list and leaves the window open.
+        QTest::keyClick(&view, Qt::Key_Space);
+        QTRY_VERIFY(popup->property("opened").toBool());
+        QTest::keyClick(&view, Qt::Key_Escape);
+        QTRY_VERIFY(!popup->property("visible").toBool());
+        QVERIFY(view.isVisible());
+        QCOMPARE(ui.preference("defaultAction"), std::optional<std::string>("forceQuit"));
+    }
+
     void colouredTextsReachFourAndAHalfToOne()
     {
         // Both schemes: primary and secondary text, and orange and green on their own and on
