@@ -9,8 +9,9 @@ focus when the panel opens; Tab and Shift+Tab move it; Enter runs the focused ti
 result line appears; Tab walks on into the rows' menu buttons; Enter opens a row menu,
 Escape closes that menu and leaves the panel open; the menu opened again, Enter chooses
 "Open" and that row's app becomes the active one; opened again, the panel starts on the
-default tile, and Escape closes a menu first, then the panel. The focus and texts are read
-through assistive technology (AT-SPI), the effects from the X server (xprop).
+default tile, and Escape closes a menu first, then the panel; Force Quit All Apps run from
+the keyboard leaves two tiles disabled, which AT-SPI reports so and Tab skips. The focus and
+texts are read through assistive technology (AT-SPI), the effects from the X server (xprop).
 
 Usage: test_keyboard.py STOWLY_BINARY SCREENSHOT_DIR"""
 
@@ -141,6 +142,9 @@ def main(binary, shots):
         bed.wait_for(lambda: stowly.panel_window() is None, "the panel to close as it loses the focus", 10)
 
         # Opened again: the default tile has the focus; Escape closes a menu, then the panel.
+        # (A tray click just after the panel lost the focus is taken for the click that
+        # closed it, so wait a moment first.)
+        time.sleep(1.0)
         stowly.open_panel()
         bed.wait_for(lambda: focused_name(stowly) == "Minimize All Windows",
                      "the focus on the default tile after reopening", 15)
@@ -155,6 +159,34 @@ def main(binary, shots):
         key(bed, "Escape")
         bed.wait_for(lambda: stowly.panel_window() is None, "the panel to close", 10)
         check(True, "a second Escape closed the panel")
+
+        # Force Quit All Apps from the keyboard empties the list: the two tiles that act on
+        # the list are then reported disabled (neither enabled nor sensitive, not focusable)
+        # and Tab passes them by.
+        time.sleep(1.0)
+        stowly.open_panel()
+        bed.wait_for(lambda: focused_name(stowly) == "Minimize All Windows", "the focus on the default tile", 15)
+        force_quit = tab_until(bed, stowly, lambda name: name == "Force Quit All Apps", limit=4)
+        check(force_quit is not None, "Tab reaches Force Quit All Apps")
+        key(bed, "Return")
+        bed.wait_for(lambda: stowly.find(f"Force quit sent to {len(TERMINALS)} apps.") is not None,
+                     "the result of Force Quit All Apps", 15)
+        bed.wait_for(lambda: stowly.find("No regular apps are currently open.") is not None, "the empty list", 15)
+        pyatspi = stowly.atspi()
+        for name in ("Hide All Apps", "Force Quit All Apps"):
+            tile = stowly.find(name, "push button")
+            states = tile.getState() if tile is not None else None
+            check(states is not None and not states.contains(pyatspi.STATE_ENABLED)
+                  and not states.contains(pyatspi.STATE_SENSITIVE)
+                  and not states.contains(pyatspi.STATE_FOCUSABLE),
+                  f"AT-SPI reports {name} disabled: not enabled, not sensitive, not focusable")
+        minimize = stowly.find("Minimize All Windows", "push button")
+        check(minimize is not None and minimize.getState().contains(pyatspi.STATE_ENABLED),
+              "and Minimize All Windows enabled")
+        names = [tab_until(bed, stowly, lambda name: True, limit=1) for _ in range(8)]
+        check(not {"Hide All Apps", "Force Quit All Apps"} & set(names),
+              f"Tab never lands on a disabled tile ({names})")
+        bed.screenshot(os.path.join(shots, "keyboard-disabled-tiles.png"))
     finally:
         bed.stop()
     return 1 if failures else 0
