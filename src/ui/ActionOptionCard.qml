@@ -40,7 +40,7 @@ Button {
     Accessible.checked: isSelected
     Accessible.onPressAction: if (enabled) clicked()
 
-    background: Rectangle {
+    background: SmoothRectangle {
         objectName: "cardBackground"
         radius: 18
         color: card.cardBackground
@@ -49,7 +49,7 @@ Button {
         antialiasing: true
 
         // The keyboard focus ring, just outside the plate.
-        Rectangle {
+        SmoothRectangle {
             objectName: "focusRing"
             anchors.fill: parent
             anchors.margins: -3
@@ -68,7 +68,7 @@ Button {
             width: parent.width
             height: 52
 
-            Rectangle {
+            SmoothRectangle {
                 objectName: "cardIconTile"
                 width: 52
                 height: 52
@@ -96,6 +96,7 @@ Button {
             width: parent.width
             text: card.option.shortTitle
             color: Theme.primary
+            font.family: Theme.fontFamily
             font.pixelSize: Theme.headlineSize
             font.weight: Font.DemiBold
             wrapMode: Text.Wrap
@@ -107,6 +108,7 @@ Button {
             width: parent.width
             text: card.option.cardSummary
             color: Theme.secondary
+            font.family: Theme.fontFamily
             font.pixelSize: Theme.subheadlineSize
             wrapMode: Text.Wrap
             horizontalAlignment: Text.AlignLeft

@@ -4,8 +4,9 @@
 
 #include "AppIconImageProvider.h"
 
+#include "ContinuousCorners.h"
+
 #include <QPainter>
-#include <QPainterPath>
 
 namespace stowly {
 
@@ -25,10 +26,9 @@ QImage AppIconImageProvider::requestImage(const QString& id, QSize* size, const 
     result.fill(Qt::transparent);
     QPainter painter(&result);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+    // Clipped here, once per decoded size, rather than by a mask item on every frame.
     const qreal radius = 6.0 / 24.0 * qMin(target.width(), target.height());
-    QPainterPath clip;
-    clip.addRoundedRect(QRectF(QPointF(0, 0), QSizeF(target)), radius, radius);
-    painter.setClipPath(clip);
+    painter.setClipPath(continuousRoundedRect(QRectF(QPointF(0, 0), QSizeF(target)), radius));
     painter.drawImage(QRectF(QPointF(0, 0), QSizeF(target)),
                       source.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
     painter.end();

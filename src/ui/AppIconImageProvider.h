@@ -11,7 +11,8 @@
 namespace stowly {
 
 // Serves "image://appicon/<id>": an app's icon scaled to the requested size with
-// high-quality filtering and clipped to the row's rounded square (corner 6 of 24).
+// high-quality filtering and clipped to the row's rounded square (continuous corners,
+// radius 6 of 24).
 class AppIconImageProvider : public QQuickImageProvider {
 public:
     explicit AppIconImageProvider(AppIconCacheRef cache);

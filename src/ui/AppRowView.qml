@@ -55,6 +55,7 @@ Item {
                 text: row.name
                 textFormat: Text.PlainText   // another program's name, shown as it is
                 color: Theme.primary
+                font.family: Theme.fontFamily
                 font.pixelSize: Theme.subheadlineSize
                 maximumLineCount: 1
                 elide: Text.ElideRight
@@ -67,6 +68,7 @@ Item {
                 text: row.statusLine
                 textFormat: Text.PlainText
                 color: Theme.secondary
+                font.family: Theme.fontFamily
                 font.pixelSize: Theme.captionSize
                 // No line limit: a narrow row wraps the memory text rather than cut it.
                 wrapMode: Text.Wrap
@@ -83,8 +85,9 @@ Item {
 
         Rectangle {
             objectName: "rowBadge"
-            implicitWidth: badgeText.implicitWidth + 16
-            implicitHeight: badgeText.implicitHeight + 8
+            // Whole points, so the layout does not round the padding on one side only.
+            implicitWidth: Math.ceil(badgeText.implicitWidth) + 16
+            implicitHeight: Math.ceil(badgeText.implicitHeight) + 8
             radius: height / 2
             // A tint of the status colour: its own alpha scaled, since "secondary" is
             // already translucent.
@@ -97,6 +100,7 @@ Item {
                 anchors.centerIn: parent
                 text: row.status
                 color: row.statusColor
+                font.family: Theme.fontFamily
                 font.pixelSize: Theme.captionSize
                 font.weight: Font.Medium
                 Accessible.role: Accessible.StaticText
@@ -156,27 +160,30 @@ Item {
                 onOpened: if (menuButton.menuFromKeyboard) currentIndex = 0
                 // The keyboard goes back to the button, so that Escape then closes the panel.
                 onClosed: if (menuButton.menuFromKeyboard) menuButton.forceActiveFocus(Qt.OtherFocusReason)
+                padding: 4
+                background: SmoothRectangle {
+                    objectName: "rowMenuBackground"
+                    implicitWidth: 150
+                    radius: 8
+                    color: Theme.controlBackground
+                    border.width: 1
+                    border.color: Theme.separator
+                }
 
-                MenuItem {
+                PanelMenuItem {
                     objectName: "rowMenuOpen"
                     text: Texts.openApp
                     onTriggered: row.openRequested()
-                    Accessible.name: text
-                    Accessible.onPressAction: if (enabled) clicked()
                 }
-                MenuItem {
+                PanelMenuItem {
                     objectName: "rowMenuCloseApp"
                     text: Texts.closeApp
                     onTriggered: row.closeRequested()
-                    Accessible.name: text
-                    Accessible.onPressAction: if (enabled) clicked()
                 }
-                MenuItem {
+                PanelMenuItem {
                     objectName: "rowMenuForceQuit"
                     text: Texts.forceQuitApp
                     onTriggered: row.forceQuitRequested()
-                    Accessible.name: text
-                    Accessible.onPressAction: if (enabled) clicked()
                 }
             }
         }

@@ -17,7 +17,7 @@ Item {
     height: 24
     Accessible.ignored: true
 
-    Rectangle {
+    SmoothRectangle {
         objectName: "checkboxBox"
         anchors.fill: parent
         radius: 7
@@ -27,7 +27,7 @@ Item {
 
     // A Rectangle's border lies inside it; this one is grown by half the line so that
     // the 1.5 line is centred on the 24-point square's edge.
-    Rectangle {
+    SmoothRectangle {
         objectName: "checkboxStroke"
         x: -border.width / 2
         y: -border.width / 2

@@ -37,12 +37,12 @@ Button {
     Accessible.onPressAction: if (enabled) clicked()
     Accessible.onToggleAction: if (enabled) clicked()
 
-    background: Rectangle {
+    background: SmoothRectangle {
         radius: 16
         color: Theme.controlBackground
 
         // The keyboard focus ring, just outside the plate.
-        Rectangle {
+        SmoothRectangle {
             objectName: "focusRing"
             anchors.fill: parent
             anchors.margins: -3
@@ -70,6 +70,7 @@ Button {
                 width: parent.width
                 text: row.title
                 color: row.isEnabled ? Theme.primary : Theme.secondary
+                font.family: Theme.fontFamily
                 font.pixelSize: Theme.headlineSize
                 font.weight: Font.DemiBold
                 wrapMode: Text.Wrap
@@ -80,6 +81,7 @@ Button {
                 width: parent.width
                 text: row.subtitle
                 color: Theme.secondary
+                font.family: Theme.fontFamily
                 font.pixelSize: Theme.subheadlineSize
                 wrapMode: Text.Wrap
                 Accessible.ignored: true

@@ -35,7 +35,7 @@ Button {
     Accessible.focusable: !disabled
     Accessible.onPressAction: if (!tile.disabled) tile.tap()
 
-    background: Rectangle {
+    background: SmoothRectangle {
         objectName: "tileBackground"
         radius: 12
         color: Theme.controlBackground
@@ -46,7 +46,8 @@ Button {
     contentItem: Column {
         spacing: 8
 
-        Rectangle {
+        SmoothRectangle {
+            objectName: "tileSymbolBadge"
             anchors.horizontalCenter: parent.horizontalCenter
             width: 40
             height: 40
@@ -68,6 +69,7 @@ Button {
             text: tile.text
             textFormat: Text.PlainText
             color: Theme.primary
+            font.family: Theme.fontFamily
             font.pixelSize: Theme.captionSize
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.Wrap

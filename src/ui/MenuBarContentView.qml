@@ -76,6 +76,7 @@ Rectangle {
             objectName: "titleText"
             text: Texts.productName
             color: Theme.primary
+            font.family: Theme.fontFamily
             font.pixelSize: Theme.headlineSize
             font.weight: Font.DemiBold
             Accessible.role: Accessible.StaticText
@@ -88,6 +89,7 @@ Rectangle {
             text: root.panel.resultMessage
             textFormat: Text.PlainText
             color: Theme.secondary
+            font.family: Theme.fontFamily
             font.pixelSize: Theme.subheadlineSize
             wrapMode: Text.Wrap
             // A status bar is what AT-SPI calls a polite live region (ARIA's "status"): a
@@ -119,6 +121,7 @@ Rectangle {
                 width: parent.width - warningSymbol.width - parent.spacing
                 text: Texts.accessWarning
                 color: Theme.orange
+                font.family: Theme.fontFamily
                 font.pixelSize: Theme.captionSize
                 wrapMode: Text.Wrap
                 Accessible.ignored: true
@@ -169,6 +172,7 @@ Rectangle {
                 objectName: "openAppsHeading"
                 text: root.panel.openAppsHeading
                 color: Theme.primary
+                font.family: Theme.fontFamily
                 font.pixelSize: Theme.subheadlineSize
                 font.weight: Font.DemiBold
                 Accessible.role: Accessible.StaticText
@@ -180,6 +184,7 @@ Rectangle {
                 visible: !root.panel.hasOpenApps
                 text: Texts.noOpenApps
                 color: Theme.secondary
+                font.family: Theme.fontFamily
                 font.pixelSize: Theme.footnoteSize
                 Accessible.role: Accessible.StaticText
                 Accessible.name: text
@@ -213,6 +218,11 @@ Rectangle {
                 // Tab walks into the rows' menu buttons, so the list itself takes no focus.
                 activeFocusOnTab: false
                 keyNavigationEnabled: false
+                // No current row: a list view hands the focus to its current row whenever
+                // the rows move, which on a tick that reorders them took it away from the
+                // menu button the user had tabbed to (and Enter then opened nothing).
+                currentIndex: -1
+                highlightFollowsCurrentItem: false
 
                 Accessible.role: Accessible.List
                 Accessible.name: root.panel.openAppsHeading

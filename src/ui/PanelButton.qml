@@ -23,7 +23,7 @@ Button {
     Accessible.name: text
     Accessible.onPressAction: if (enabled) clicked()
 
-    background: Rectangle {
+    background: SmoothRectangle {
         objectName: "buttonBackground"
         implicitHeight: 26
         radius: 7
@@ -37,6 +37,7 @@ Button {
         text: button.text
         textFormat: Text.PlainText
         color: Theme.primary
+        font.family: Theme.fontFamily
         font.pixelSize: Theme.subheadlineSize
         horizontalAlignment: Text.AlignHCenter
         verticalAlignment: Text.AlignVCenter

@@ -46,9 +46,24 @@ Rectangle {
         boundsBehavior: Flickable.StopAtBounds
         clip: true
         // Shown for as long as there is more than fits, so the window says it scrolls.
+        // Drawn like the panel's list bar, in the scheme's own colours, over a faint lane.
         ScrollBar.vertical: ScrollBar {
+            id: settingsScrollBar
             objectName: "settingsScrollBar"
             policy: scroller.contentHeight > scroller.height ? ScrollBar.AlwaysOn : ScrollBar.AlwaysOff
+            padding: 2
+            contentItem: Rectangle {
+                objectName: "settingsScrollBarHandle"
+                implicitWidth: 7
+                radius: width / 2
+                color: Theme.secondary
+                opacity: settingsScrollBar.active ? 0.8 : 0.5
+            }
+            background: Rectangle {
+                objectName: "settingsScrollBarLane"
+                color: Theme.separator
+                opacity: 0.5
+            }
         }
 
         function reveal(item) {
@@ -83,6 +98,7 @@ Rectangle {
                         objectName: "primaryActionHeading"
                         text: Texts.primaryAction
                         color: Theme.primary
+                        font.family: Theme.fontFamily
                         font.pixelSize: Theme.titleSize
                         font.weight: Font.DemiBold
                         Accessible.role: Accessible.Heading
@@ -107,6 +123,7 @@ Rectangle {
                             anchors.verticalCenter: parent.verticalCenter
                             text: Texts.appliedFromMenuBar
                             color: Theme.secondary
+                            font.family: Theme.fontFamily
                             font.pixelSize: Theme.footnoteSize
                             Accessible.role: Accessible.StaticText
                             Accessible.name: text
@@ -119,6 +136,7 @@ Rectangle {
                     width: parent.width
                     text: Texts.actionsIntro
                     color: Theme.secondary
+                    font.family: Theme.fontFamily
                     font.pixelSize: Theme.subheadlineSize
                     wrapMode: Text.Wrap
                     Accessible.role: Accessible.StaticText
@@ -148,20 +166,11 @@ Rectangle {
                 Column {
                     spacing: 8
 
-                    ComboBox {
+                    PanelComboBox {
                         id: picker
                         objectName: "defaultActionPicker"
                         width: 240
                         model: root.settings.pickerItems
-                        // The style draws from the palette; give it the scheme's colours.
-                        palette.button: Theme.controlBackground
-                        palette.buttonText: Theme.primary
-                        palette.window: Theme.controlBackground
-                        palette.windowText: Theme.primary
-                        palette.base: Theme.controlBackground
-                        palette.text: Theme.primary
-                        palette.highlight: Theme.accent
-                        palette.highlightedText: Theme.white
                         currentIndex: root.settings.pickerIndex
                         onActivated: index => {
                             root.settings.choosePickerItem(index);
@@ -169,27 +178,10 @@ Rectangle {
                             picker.currentIndex = Qt.binding(() => root.settings.pickerIndex);
                         }
                         Accessible.name: Texts.defaultActionPicker
-                        Accessible.onPressAction: if (enabled) picker.popup.open()
-
-                        // The style's own item, plus a name and a press action for
-                        // assistive technology (a press chooses the item).
-                        delegate: MenuItem {
-                            required property int index
-                            required property string modelData
-
-                            objectName: "defaultActionPickerItem"
-                            width: ListView.view.width
-                            text: modelData
-                            font.weight: picker.currentIndex === index ? Font.DemiBold : Font.Normal
-                            highlighted: picker.highlightedIndex === index
-                            hoverEnabled: picker.hoverEnabled
-                            Accessible.name: text
-                            Accessible.onPressAction: if (enabled) clicked()
-                        }
                     }
                 }
 
-                Rectangle {
+                SmoothRectangle {
                     objectName: "summaryBox"
                     width: summaryContent.implicitWidth + 2 * 16
                     height: summaryContent.implicitHeight + 2 * 16
@@ -214,6 +206,7 @@ Rectangle {
                                 objectName: "defaultSummaryTitle"
                                 text: root.settings.summaryTitle
                                 color: Theme.primary
+                                font.family: Theme.fontFamily
                                 font.pixelSize: Theme.headlineSize
                                 font.weight: Font.DemiBold
                                 Accessible.role: Accessible.StaticText
@@ -223,6 +216,7 @@ Rectangle {
                                 objectName: "defaultSummaryText"
                                 text: root.settings.summaryText
                                 color: Theme.secondary
+                                font.family: Theme.fontFamily
                                 font.pixelSize: Theme.subheadlineSize
                                 Accessible.role: Accessible.StaticText
                                 Accessible.name: text
@@ -248,6 +242,7 @@ Rectangle {
                     objectName: "startupHeading"
                     text: Texts.startup
                     color: Theme.primary
+                    font.family: Theme.fontFamily
                     font.pixelSize: Theme.titleSize
                     font.weight: Font.DemiBold
                     Accessible.role: Accessible.Heading
@@ -293,13 +288,14 @@ Rectangle {
                     objectName: "accessibilityHeading"
                     text: Texts.accessibility
                     color: Theme.primary
+                    font.family: Theme.fontFamily
                     font.pixelSize: Theme.titleSize
                     font.weight: Font.DemiBold
                     Accessible.role: Accessible.Heading
                     Accessible.name: text
                 }
 
-                Rectangle {
+                SmoothRectangle {
                     objectName: "accessStatusBox"
                     width: accessContent.implicitWidth + 2 * 16
                     height: accessContent.implicitHeight + 2 * 16
@@ -325,6 +321,7 @@ Rectangle {
                                 objectName: "accessTitle"
                                 text: root.settings.accessTitle
                                 color: Theme.primary
+                                font.family: Theme.fontFamily
                                 font.pixelSize: Theme.headlineSize
                                 font.weight: Font.DemiBold
                                 Accessible.role: Accessible.StaticText
@@ -334,6 +331,7 @@ Rectangle {
                                 objectName: "accessDetail"
                                 text: root.settings.accessDetail
                                 color: Theme.secondary
+                                font.family: Theme.fontFamily
                                 font.pixelSize: Theme.subheadlineSize
                                 Accessible.role: Accessible.StaticText
                                 Accessible.name: text
@@ -351,17 +349,32 @@ Rectangle {
                         id: grantButton
                         objectName: "grantAccessButton"
                         text: Texts.grantAccess
-                        palette.buttonText: Theme.white
+                        topPadding: 5
+                        bottomPadding: 5
+                        leftPadding: 12
+                        rightPadding: 12
                         // The prominent look: a solid accent fill (the style's own panel
                         // would wash the accent out into a pale gradient).
-                        background: Rectangle {
+                        background: SmoothRectangle {
                             objectName: "grantAccessFill"
                             implicitWidth: 80
-                            implicitHeight: 24
-                            radius: 4
-                            color: grantButton.down ? Qt.darker(Theme.accent, 1.2) : Theme.accent
+                            implicitHeight: 26
+                            radius: 7
+                            color: grantButton.down ? Qt.darker(Theme.accentFill, 1.2) : Theme.accentFill
                             border.width: grantButton.activeFocus ? 2 : 0
-                            border.color: Qt.darker(Theme.accent, 1.6)
+                            border.color: Qt.darker(Theme.accentFill, 1.6)
+                        }
+                        contentItem: Text {
+                            objectName: "grantAccessText"
+                            text: grantButton.text
+                            textFormat: Text.PlainText
+                            color: Theme.white
+                            font.family: Theme.fontFamily
+                            font.pixelSize: Theme.subheadlineSize
+                            font.weight: Font.Medium
+                            horizontalAlignment: Text.AlignHCenter
+                            verticalAlignment: Text.AlignVCenter
+                            Accessible.ignored: true
                         }
                         focusPolicy: Qt.StrongFocus
                         Keys.onReturnPressed: if (enabled) clicked()

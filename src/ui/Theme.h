@@ -18,6 +18,9 @@ namespace stowly {
 // tint.
 struct ColorScheme {
     QColor accent;
+    // The accent for surfaces that carry white text (the prominent button, a highlighted
+    // menu entry): darker than the accent, so that the text reaches 4.5:1 on it.
+    QColor accentFill;
     QColor orange;
     QColor green;
     QColor primary;
@@ -49,6 +52,7 @@ class Theme : public QObject {
     QML_SINGLETON
     Q_PROPERTY(bool isDark READ isDark NOTIFY schemeChanged FINAL)
     Q_PROPERTY(QColor accent READ accent NOTIFY schemeChanged FINAL)
+    Q_PROPERTY(QColor accentFill READ accentFill NOTIFY schemeChanged FINAL)
     Q_PROPERTY(QColor orange READ orange NOTIFY schemeChanged FINAL)
     Q_PROPERTY(QColor green READ green NOTIFY schemeChanged FINAL)
     Q_PROPERTY(QColor primary READ primary NOTIFY schemeChanged FINAL)
@@ -58,6 +62,7 @@ class Theme : public QObject {
     Q_PROPERTY(QColor control READ control NOTIFY schemeChanged FINAL)
     Q_PROPERTY(QColor windowBackground READ windowBackground NOTIFY schemeChanged FINAL)
     Q_PROPERTY(QColor separator READ separator NOTIFY schemeChanged FINAL)
+    Q_PROPERTY(QString fontFamily READ fontFamily CONSTANT FINAL)
     Q_PROPERTY(int titleSize MEMBER titleSize CONSTANT FINAL)
     Q_PROPERTY(int headlineSize MEMBER headlineSize CONSTANT FINAL)
     Q_PROPERTY(int subheadlineSize MEMBER subheadlineSize CONSTANT FINAL)
@@ -74,6 +79,7 @@ public:
     const ColorScheme& scheme() const { return *m_scheme; }
     bool isDark() const { return m_scheme == &ColorScheme::dark(); }
     QColor accent() const { return m_scheme->accent; }
+    QColor accentFill() const { return m_scheme->accentFill; }
     QColor orange() const { return m_scheme->orange; }
     QColor green() const { return m_scheme->green; }
     QColor primary() const { return m_scheme->primary; }
@@ -83,6 +89,16 @@ public:
     QColor control() const { return m_scheme->control; }
     QColor windowBackground() const { return m_scheme->windowBackground; }
     QColor separator() const { return m_scheme->separator; }
+
+    // The views' font family: Inter when installed, whose Medium and SemiBold are weights of
+    // their own (DejaVu, the usual fallback, has only Book and Bold, so medium and semibold
+    // text would fall back to them); otherwise the desktop's default family.
+    QString fontFamily() const { return m_fontFamily; }
+    // The first of `candidates` that is installed with distinct regular, medium, semibold
+    // and bold faces, or the application font's family when none is.
+    static QString chooseFontFamily(const QStringList& candidates);
+    // Whether `family` is installed with those four weights as faces of their own.
+    static bool hasDistinctWeights(const QString& family);
 
     // Pixel sizes of the text styles.
     int titleSize = 20;
@@ -101,6 +117,7 @@ protected:
 
 private:
     const ColorScheme* m_scheme;
+    QString m_fontFamily;
 };
 
 } // namespace stowly

@@ -93,7 +93,7 @@ def validate(build_dir):
 
     fields = run(["dpkg-deb", "-f", deb, "Depends", "Maintainer", "Section"]).stdout
     for needed in ["libqt6core6", "libqt6quick6", "libxcb1", "qml6-module-qtquick-controls",
-                   "qml6-module-qtquick-layouts", "libc6"]:
+                   "qml6-module-qtquick-layouts", "libc6", "fonts-inter"]:
         check(needed in fields, "depends on " + needed)
     check("Maintainer: The Stowly developers" in fields, "has a maintainer")
 

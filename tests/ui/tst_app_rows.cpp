@@ -13,6 +13,8 @@
 #include <QQuickWindow>
 #include <QTest>
 
+#include <cmath>
+
 using namespace stowly;
 using stowly::testing::UiFixture;
 
@@ -243,8 +245,8 @@ private slots:
         for (QQuickItem* item : {icon, badge, menu})
             QVERIFY(qAbs(middle(item) - middle(r)) <= 0.5);
         // The badge: 8 either side of its text, 4 above and below, a capsule tinted 0.14.
-        QCOMPARE(badge->width(), badgeText->implicitWidth() + 16);
-        QCOMPARE(badge->height(), badgeText->implicitHeight() + 8);
+        QCOMPARE(badge->width(), std::ceil(badgeText->implicitWidth()) + 16);
+        QCOMPARE(badge->height(), std::ceil(badgeText->implicitHeight()) + 8);
         QCOMPARE(badge->property("radius").toReal(), badge->height() / 2);
         QCOMPARE(badgeText->property("font").value<QFont>().weight(), QFont::Medium);
         QCOMPARE(badgeText->property("font").value<QFont>().pixelSize(), theme.captionSize);

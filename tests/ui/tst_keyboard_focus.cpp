@@ -220,6 +220,57 @@ private slots:
         QCOMPARE(dismissed.count(), 1);
     }
 
+    void aRowMenuButtonKeepsTheFocusWhileTheRowsReorder()
+    {
+        // The list reorders its rows on a tick when memory figures change. The focus must
+        // stay on the menu button the user tabbed to, through the reorder and through a
+        // menu opened and closed on it, so that Enter then opens that app's menu.
+        UiFixture ui;
+        ui.fake.trust.trusted = true;
+        auto first = ui.addApp(101, "First", 30u << 20);
+        auto second = ui.addApp(102, "Second", 20u << 20);
+        ui.addApp(103, "Third", 10u << 20);
+        ui.start();
+        QQuickView& view = ui.panel();
+        activate(view);
+        QTRY_COMPARE(focusName(view), QStringLiteral("actionTile_minimize"));
+        for (int i = 0; i < 12 && focusName(view) != QStringLiteral("rowMenuButton"); ++i)
+            QTest::keyClick(&view, Qt::Key_Tab);
+        QCOMPARE(focusName(view), QStringLiteral("rowMenuButton"));
+        const auto focusedMenu = [&view] {
+            QQuickItem* item = focused(view);
+            return item ? item->property("text").toString() : QString();
+        };
+        QCOMPARE(focusedMenu(), QStringLiteral("Actions for First"));
+
+        // Second grows past First: the rows swap places.
+        ui.fake.processTable.processes[102].footprint = 40u << 20;
+        ui.model().refreshRunningApps();
+        ui.settle();
+        QCOMPARE(ui.find(view, QStringLiteral("appRow_0"))->property("name").toString(), QStringLiteral("Second"));
+        QCOMPARE(focusName(view), QStringLiteral("rowMenuButton"));
+        QCOMPARE(focusedMenu(), QStringLiteral("Actions for First"));
+
+        // A menu opened and closed from the keyboard hands the focus back to its button,
+        // also when the rows move while it is open.
+        QObject* menu = focused(view)->findChild<QObject*>(QStringLiteral("rowMenu"));
+        QVERIFY(menu);
+        QTest::keyClick(&view, Qt::Key_Return);
+        QTRY_VERIFY(menu->property("opened").toBool());
+        ui.fake.processTable.processes[101].footprint = 50u << 20;
+        ui.model().refreshRunningApps();
+        ui.settle();
+        QTest::keyClick(&view, Qt::Key_Escape);
+        QTRY_VERIFY(!menu->property("visible").toBool());
+        QTRY_COMPARE(focusedMenu(), QStringLiteral("Actions for First"));
+        QTest::keyClick(&view, Qt::Key_Return);
+        QTRY_VERIFY(menu->property("opened").toBool());
+        QTest::keyClick(&view, Qt::Key_Return);
+        QTRY_VERIFY(!menu->property("visible").toBool());
+        QCOMPARE(first->activateCalls.size(), std::size_t(1));
+        QCOMPARE(second->activateCalls.size(), std::size_t(0));
+    }
+
     void badgeTintScalesTheStatusColoursOwnAlpha()
     {
         UiFixture ui;
@@ -316,6 +367,41 @@ private slots:
         QTRY_VERIFY(!view.isVisible());
     }
 
+    void pickerOpensFromTheKeyboardAndArrowsChoose()
+    {
+        UiFixture ui;
+        ui.start();
+        QQuickView& view = ui.settings();
+        activate(view);
+        QQuickItem* picker = ui.find(view, QStringLiteral("defaultActionPicker"));
+        for (int i = 0; i < 12 && view.activeFocusItem() != picker; ++i)
+            QTest::keyClick(&view, Qt::Key_Tab);
+        QCOMPARE(view.activeFocusItem(), picker);
+        QCOMPARE(
+            QQmlProperty::read(ui.findIn(picker, QStringLiteral("comboBoxBackground")), QStringLiteral("border.color"))
+                .value<QColor>(),
+            ColorScheme::light().accent);
+        // Items: Close Windows, Force Quit, Hide, Minimize; Minimize is current.
+        QObject* popup = picker->property("popup").value<QObject*>();
+        QTest::keyClick(&view, Qt::Key_Return);
+        QTRY_VERIFY(popup->property("opened").toBool());
+        QCOMPARE(picker->property("highlightedIndex").toInt(), 3);
+        QTest::keyClick(&view, Qt::Key_Up);
+        QTest::keyClick(&view, Qt::Key_Up);
+        QCOMPARE(picker->property("highlightedIndex").toInt(), 1);
+        QTest::keyClick(&view, Qt::Key_Return);
+        QTRY_VERIFY(!popup->property("visible").toBool());
+        QCOMPARE(ui.preference("defaultAction"), std::optional<std::string>("forceQuit"));
+        QCOMPARE(picker->property("currentText").toString(), QStringLiteral("Force Quit"));
+        // Space opens it too; Escape closes the list and leaves the window open.
+        QTest::keyClick(&view, Qt::Key_Space);
+        QTRY_VERIFY(popup->property("opened").toBool());
+        QTest::keyClick(&view, Qt::Key_Escape);
+        QTRY_VERIFY(!popup->property("visible").toBool());
+        QVERIFY(view.isVisible());
+        QCOMPARE(ui.preference("defaultAction"), std::optional<std::string>("forceQuit"));
+    }
+
     void colouredTextsReachFourAndAHalfToOne()
     {
         // Both schemes: primary and secondary text, and orange and green on their own and on
@@ -335,11 +421,66 @@ private slots:
                     const QColor badge = composite(tint, under);
                     QVERIFY2(contrast(text, badge) >= 4.5, qPrintable(text.name() + " on its badge"));
                 }
+                // Secondary is the "Open" badge's colour: translucent text over its own tint.
+                QColor tint = scheme->secondary;
+                tint.setAlphaF(float(scheme->secondary.alphaF() * 0.14));
+                const QColor badge = composite(tint, under);
+                QVERIFY2(contrast(composite(scheme->secondary, badge), badge) >= 4.5,
+                         qPrintable(scheme->secondary.name(QColor::HexArgb) + " on its badge over " + under.name()));
             }
         }
+        // White text on the accent fills (the prominent button, a highlighted menu entry).
+        for (const ColorScheme* scheme : {&ColorScheme::light(), &ColorScheme::dark()})
+            QVERIFY2(contrast(scheme->white, scheme->accentFill) >= 4.5, qPrintable(scheme->accentFill.name()));
         // The formula itself: black on white is 21:1, a colour on itself 1:1.
         QVERIFY(qAbs(contrast(Qt::black, Qt::white) - 21.0) < 0.01);
         QVERIFY(qAbs(contrast(ColorScheme::light().orange, ColorScheme::light().orange) - 1.0) < 1e-9);
+    }
+
+    void everyStatusTextReachesFourAndAHalfToOneOnItsBadge()
+    {
+        // Read from the live panel, in both schemes: each badge's text over its tint laid on
+        // the panel's background, the status line beside it, and the orange access warning.
+        const QPalette before = QGuiApplication::palette();
+        for (const bool dark : {false, true}) {
+            QPalette desktop;
+            desktop.setColor(QPalette::Window, dark ? QColor(0x2a, 0x2a, 0x2a) : QColor(0xef, 0xef, 0xef));
+            desktop.setColor(QPalette::WindowText, dark ? QColor(0xee, 0xee, 0xee) : QColor(0x10, 0x10, 0x10));
+            QGuiApplication::setPalette(desktop);
+            UiFixture ui;
+            ui.fake.trust.trusted = false;
+            ui.addApp(101, "Front")->active = true;
+            ui.addApp(102, "Stowed")->hidden = true;
+            ui.addApp(103, "Other");
+            ui.start();
+            QQuickView& view = ui.panel();
+            const QColor panel = view.rootObject()->property("color").value<QColor>();
+            QCOMPARE(panel, dark ? ColorScheme::dark().windowBackground : ColorScheme::light().windowBackground);
+            QStringList seen;
+            for (int i = 0; i < 3; ++i) {
+                QQuickItem* row = ui.find(view, QStringLiteral("appRow_%1").arg(i));
+                QVERIFY(row);
+                QQuickItem* badgeText = ui.findIn(row, QStringLiteral("rowBadgeText"));
+                const QString status = badgeText->property("text").toString();
+                seen.append(status);
+                const QColor text = badgeText->property("color").value<QColor>();
+                const QColor tint =
+                    composite(ui.findIn(row, QStringLiteral("rowBadge"))->property("color").value<QColor>(), panel);
+                const double onBadge = contrast(composite(text, tint), tint);
+                QVERIFY2(onBadge >= 4.5, qPrintable(QStringLiteral("%1 badge %2:1 (%3)")
+                                                        .arg(status)
+                                                        .arg(onBadge, 0, 'f', 2)
+                                                        .arg(dark ? "dark" : "light")));
+                const QColor line = ui.findIn(row, QStringLiteral("rowStatusLine"))->property("color").value<QColor>();
+                QVERIFY2(contrast(composite(line, panel), panel) >= 4.5, qPrintable(status + " status line"));
+            }
+            seen.sort();
+            QCOMPARE(seen, (QStringList{QStringLiteral("Active"), QStringLiteral("Hidden"), QStringLiteral("Open")}));
+            const QColor warning =
+                ui.find(view, QStringLiteral("accessWarningText"))->property("color").value<QColor>();
+            QVERIFY2(contrast(composite(warning, panel), panel) >= 4.5, "the access warning");
+        }
+        QGuiApplication::setPalette(before);
     }
 
     void darkDesktopPaletteGivesTheDarkScheme()

@@ -32,13 +32,17 @@ class Stowly:
 
     def tray_icon(self):
         """The icon embedded in the tray: a small window at the top of the screen."""
+        found = self._tray_icon_and_geometry()
+        return found[0] if found else None
+
+    def _tray_icon_and_geometry(self):
         for window in self._windows():
             try:
                 x, y, width, height = self.bed.geometry(window)
             except (KeyError, ValueError):
-                continue
+                continue   # gone between the listing and the question
             if width <= 48 and height <= 48 and y < 40 and width > 1:
-                return window
+                return window, (x, y, width, height)
         return None
 
     def panel_window(self):
@@ -62,8 +66,9 @@ class Stowly:
         return None
 
     def click_tray_icon(self):
-        icon = self.tray_icon()
-        x, y, width, height = self.bed.geometry(icon)
+        # One look gives the icon and where it is: a window of ours can vanish between two
+        # looks (a closing menu or panel), and the icon is asked for only once.
+        icon, (x, y, width, height) = self.bed.wait_for_value(self._tray_icon_and_geometry, "Stowly's tray icon", 15)
         self.bed.run(["xdotool", "mousemove", "--sync", str(x + width // 2), str(y + height // 2)])
         self.bed.run(["xdotool", "click", "1"])
         return (x, y, width, height)
