@@ -315,7 +315,7 @@ Rectangle {
                         SymbolImage {
                             objectName: "accessSymbol"
                             name: root.settings.accessSymbol
-                            tint: root.settings.accessGranted ? Theme.green : Theme.orange
+                            tint: root.settings.accessComplete ? Theme.green : Theme.orange
                             size: 18
                         }
                         Column {
@@ -333,6 +333,9 @@ Rectangle {
                             Text {
                                 objectName: "accessDetail"
                                 text: root.settings.accessDetail
+                                // A longer detail (windows out of reach) wraps inside the box.
+                                width: Math.min(implicitWidth, 600)
+                                wrapMode: Text.WordWrap
                                 color: Theme.secondary
                                 font.pixelSize: Theme.subheadlineSize
                                 Accessible.role: Accessible.StaticText
