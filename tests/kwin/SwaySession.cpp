@@ -31,8 +31,8 @@ SwaySession::SwaySession(const std::string& parentDir)
     // sway starts Xwayland at once (not on the first X11 client) and tells a program it
     // starts both displays.
     const std::string report = m_root + "/displays";
-    tb::writeFile(m_root + "/config", "xwayland force\nexec sh -c 'echo \"$WAYLAND_DISPLAY $DISPLAY\" > \"" +
-                                          report + "\"'\n");
+    tb::writeFile(m_root + "/config",
+                  "xwayland force\nexec sh -c 'echo \"$WAYLAND_DISPLAY $DISPLAY\" > \"" + report + "\"'\n");
     const std::string log = m_root + "/sway.log";
     m_sway = tb::spawn({"env", "-u", "WAYLAND_DISPLAY", "-u", "DISPLAY", "-u", "SWAYSOCK", "XDG_RUNTIME_DIR=" + runtime,
                         "HOME=" + m_root, "WLR_BACKENDS=headless", "WLR_LIBINPUT_NO_DEVICES=1", "WLR_RENDERER=pixman",
