@@ -9,6 +9,7 @@
 #include "WaylandConnection.h"
 #include "X11Platform.h"
 #include "XConnection.h"
+#include "XwaylandOnlyAccess.h"
 
 #include <QByteArray>
 #include <QtGlobal>
@@ -40,7 +41,8 @@ void LinuxSession::prepareEnvironment()
 
 LinuxSession::LinuxSession()
 {
-    if (isWaylandSession()) {
+    const bool wayland = isWaylandSession();
+    if (wayland) {
         auto kwin = std::make_unique<kwin::KWinPlatform>();
         // On Plasma the backend stays even while KWin withholds the interface: the settings
         // window then shows access as missing, which is the truth there.
@@ -56,13 +58,21 @@ LinuxSession::LinuxSession()
                              "using X11 through Xwayland, which reaches only the apps that run through it\n");
     }
     m_x11 = std::make_unique<x11::X11Platform>();
+    if (wayland) {
+        Platform& x11 = m_x11->platform();
+        m_xwaylandOnlyAccess = std::make_unique<x11::XwaylandOnlyAccess>(x11.accessSettings);
+        m_xwaylandOnlyPlatform.emplace(Platform{x11.workspace, x11.accessibility, x11.trust, x11.processTable,
+                                                x11.loginItems, x11.urlOpener, x11.preferences, *m_xwaylandOnlyAccess});
+    }
 }
 
 LinuxSession::~LinuxSession() = default;
 
 Platform& LinuxSession::platform()
 {
-    return m_kwin ? m_kwin->platform() : m_x11->platform();
+    if (m_kwin)
+        return m_kwin->platform();
+    return m_xwaylandOnlyPlatform ? *m_xwaylandOnlyPlatform : m_x11->platform();
 }
 
 } // namespace stowly

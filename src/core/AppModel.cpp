@@ -271,6 +271,12 @@ std::optional<QString> AppModel::accessSettingsName() const
     return name ? std::optional<QString>(QString::fromStdString(*name)) : std::nullopt;
 }
 
+std::optional<QString> AppModel::accessLimitation() const
+{
+    const std::optional<std::string> limitation = m_platform.accessSettings.limitation();
+    return limitation ? std::optional<QString>(QString::fromStdString(*limitation)) : std::nullopt;
+}
+
 void AppModel::openAccessibilitySettings()
 {
     // What opens is the platform's: the privacy pane's URL on macOS, a window manager's

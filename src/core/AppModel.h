@@ -73,6 +73,8 @@ public:
     // What openAccessibilitySettings() opens, by name ("System Settings"); absent when
     // the platform has nothing to open.
     std::optional<QString> accessSettingsName() const;
+    // Which windows stay out of reach even with access granted; absent when none do.
+    std::optional<QString> accessLimitation() const;
 
 signals:
     void hasAccessibilityPermissionChanged();

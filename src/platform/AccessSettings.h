@@ -20,6 +20,10 @@ public:
     virtual std::optional<std::string> name() = 0;
     // Opens it; false when nothing could be opened. A failure is never shown.
     virtual bool open() = 0;
+    // One sentence saying which windows stay out of reach even with access granted (a
+    // Wayland compositor that shows this program only the apps running through Xwayland);
+    // absent when every app's windows can be reached.
+    virtual std::optional<std::string> limitation() { return std::nullopt; }
 };
 
 } // namespace stowly

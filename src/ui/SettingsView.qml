@@ -311,7 +311,7 @@ Rectangle {
                         SymbolImage {
                             objectName: "accessSymbol"
                             name: root.settings.accessSymbol
-                            tint: root.settings.accessGranted ? Theme.green : Theme.orange
+                            tint: root.settings.accessComplete ? Theme.green : Theme.orange
                             size: 18
                         }
                         Column {
@@ -330,6 +330,9 @@ Rectangle {
                             Text {
                                 objectName: "accessDetail"
                                 text: root.settings.accessDetail
+                                // A longer detail (windows out of reach) wraps inside the box.
+                                width: Math.min(implicitWidth, 600)
+                                wrapMode: Text.WordWrap
                                 color: Theme.secondary
                                 font.family: Theme.fontFamily
                                 font.pixelSize: Theme.subheadlineSize

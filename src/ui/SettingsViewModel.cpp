@@ -88,19 +88,29 @@ bool SettingsViewModel::accessGranted() const
     return m_model.hasAccessibilityPermission();
 }
 
+bool SettingsViewModel::accessComplete() const
+{
+    return accessGranted() && !m_model.accessLimitation();
+}
+
 QString SettingsViewModel::accessTitle() const
 {
-    return accessGranted() ? ViewTexts::accessGranted : ViewTexts::accessRequired;
+    if (!accessGranted())
+        return ViewTexts::accessRequired;
+    return accessComplete() ? ViewTexts::accessGranted : ViewTexts::accessLimited;
 }
 
 QString SettingsViewModel::accessDetail() const
 {
-    return accessGranted() ? ViewTexts::accessGrantedDetail : ViewTexts::accessRequiredDetail;
+    if (!accessGranted())
+        return ViewTexts::accessRequiredDetail;
+    // Granted access that cannot reach every window says which ones it misses, never "all apps".
+    return m_model.accessLimitation().value_or(ViewTexts::accessGrantedDetail);
 }
 
 QString SettingsViewModel::accessSymbol() const
 {
-    return accessGranted() ? QStringLiteral("checkmark.shield.fill") : QStringLiteral("exclamationmark.triangle.fill");
+    return accessComplete() ? QStringLiteral("checkmark.shield.fill") : QStringLiteral("exclamationmark.triangle.fill");
 }
 
 bool SettingsViewModel::canOpenAccessSettings() const

@@ -33,6 +33,8 @@ class SettingsViewModel : public QObject {
     Q_PROPERTY(QString summaryText READ summaryText NOTIFY summaryChanged FINAL)
     Q_PROPERTY(bool launchesAtLogin READ launchesAtLogin NOTIFY launchesAtLoginChanged FINAL)
     Q_PROPERTY(bool accessGranted READ accessGranted NOTIFY accessChanged FINAL)
+    // Granted, and every app's windows within reach: the section shows no warning.
+    Q_PROPERTY(bool accessComplete READ accessComplete NOTIFY accessChanged FINAL)
     Q_PROPERTY(QString accessTitle READ accessTitle NOTIFY accessChanged FINAL)
     Q_PROPERTY(QString accessDetail READ accessDetail NOTIFY accessChanged FINAL)
     Q_PROPERTY(QString accessSymbol READ accessSymbol NOTIFY accessChanged FINAL)
@@ -52,6 +54,7 @@ public:
     QString summaryText() const;
     bool launchesAtLogin() const;
     bool accessGranted() const;
+    bool accessComplete() const;
     QString accessTitle() const;
     QString accessDetail() const;
     QString accessSymbol() const;

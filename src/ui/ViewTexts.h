@@ -37,6 +37,7 @@ inline const QString mainShortcutSubtitle =
 inline const QString accessibility = QStringLiteral("Accessibility");
 inline const QString accessGranted = QStringLiteral("Access granted");
 inline const QString accessRequired = QStringLiteral("Access required");
+inline const QString accessLimited = QStringLiteral("Access limited");
 inline const QString accessGrantedDetail = QStringLiteral("Stowly can manage windows across all apps.");
 inline const QString accessRequiredDetail =
     QStringLiteral("Stowly needs Accessibility access to minimize or close windows in other apps.");

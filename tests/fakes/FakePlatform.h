@@ -216,6 +216,8 @@ public:
         return settingsName;
     }
     bool open() override { return settingsName && urlOpener.openUrl(location); }
+    std::optional<std::string> outOfReach; // what limitation() answers
+    std::optional<std::string> limitation() override { return outOfReach; }
 };
 
 // ---- All of them -----------------------------------------------------------------

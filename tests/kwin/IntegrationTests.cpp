@@ -39,10 +39,12 @@ bool minimizedInKWin(const std::string& caption)
     return window && window->minimized;
 }
 
-// Five regular apps (four native, one Xwayland) with five standard windows, a dialog, a
-// window that refuses to close, and a skip-taskbar accessory.
+// Six regular apps (four native Qt, one native GTK, one Xwayland) with six standard windows, a
+// dialog, a window that refuses to close, and a skip-taskbar accessory; and the Xwayland server,
+// which no bulk action may touch.
 struct Desk {
-    int a = 0, b = 0, withDialog = 0, stubborn = 0, term = 0, accessory = 0;
+    int a = 0, b = 0, withDialog = 0, stubborn = 0, gtk = 0, term = 0, accessory = 0;
+    int xwayland = 0;
 
     bool start()
     {
@@ -51,6 +53,7 @@ struct Desk {
         b = s.startNative("kdesk-b");
         withDialog = s.startNative("kdesk-main", {"--dialog"});
         stubborn = s.startNative("kdesk-stubborn", {"--refuse-close"});
+        gtk = s.startGtk("kdesk-gtk");
         term = s.startXterm("kdesk-term");
         accessory =
             s.startX11TestWindow("kdesk-accessory", {"--skip-taskbar", "--class", "kdeskaccessory", "KDeskAccessory"});
@@ -60,17 +63,18 @@ struct Desk {
                 for (const ScriptedWindow& w : s.scriptedWindows())
                     captions.insert(w.caption);
                 for (const char* c : {"kdesk-a", "kdesk-b", "kdesk-main", "kdesk-main dialog", "kdesk-stubborn",
-                                      "kdesk-term", "kdesk-accessory"}) {
+                                      "kdesk-gtk", "kdesk-term", "kdesk-accessory"}) {
                     if (captions.count(c) == 0)
                         return false;
                 }
-                return true;
+                xwayland = s.xwaylandPid();
+                return xwayland > 0;
             },
             20s);
     }
     ~Desk()
     {
-        for (int pid : {a, b, withDialog, stubborn, term, accessory})
+        for (int pid : {a, b, withDialog, stubborn, gtk, term, accessory})
             tb::kill(pid);
         // KWin must have let go of them before the next test counts windows.
         tb::waitUntil([] {
@@ -81,10 +85,23 @@ struct Desk {
             return true;
         });
     }
-    std::vector<int> managedPids() const { return {a, b, withDialog, stubborn, term}; }
+    std::vector<int> managedPids() const { return {a, b, withDialog, stubborn, gtk, term}; }
     static std::vector<std::string> standardCaptions()
     {
-        return {"kdesk-a", "kdesk-b", "kdesk-main", "kdesk-stubborn", "kdesk-term"};
+        return {"kdesk-a", "kdesk-b", "kdesk-main", "kdesk-stubborn", "kdesk-gtk", "kdesk-term"};
+    }
+    // What must outlive every bulk action: the compositor, its Xwayland and the accessory.
+    void expectBystandersAlive() const
+    {
+        EXPECT_FALSE(tb::processGone(sharedSession().kwinPid()));
+        // Xwayland is KWin's child, not ours: read its state from /proc. The same pid must still
+        // be KWin's Xwayland (KWin would start a new one after a crash).
+        const std::string stat = tb::readText("/proc/" + std::to_string(xwayland) + "/stat");
+        const auto paren = stat.rfind(')');
+        EXPECT_TRUE(paren != std::string::npos && paren + 2 < stat.size() && stat[paren + 2] != 'Z')
+            << "Xwayland " << xwayland;
+        EXPECT_EQ(sharedSession().xwaylandPid(), xwayland);
+        EXPECT_FALSE(tb::processGone(accessory));
     }
 };
 
@@ -104,7 +121,7 @@ TEST_F(KWinIntegration, MinimizeAllMinimizesStandardWindowsOnly)
     AppModel model(kwin.platform());
     EXPECT_TRUE(model.hasAccessibilityPermission());
     model.minimizeAllWindows();
-    EXPECT_EQ(model.lastResultMessage(), QStringLiteral("Minimized 5 windows."));
+    EXPECT_EQ(model.lastResultMessage(), QStringLiteral("Minimized 6 windows."));
     for (const std::string& caption : Desk::standardCaptions())
         EXPECT_TRUE(tb::waitUntil([&] { return minimizedInKWin(caption); })) << caption;
     EXPECT_FALSE(minimizedInKWin("kdesk-accessory"));
@@ -115,6 +132,7 @@ TEST_F(KWinIntegration, MinimizeAllMinimizesStandardWindowsOnly)
 
     model.minimizeAllWindows();
     EXPECT_EQ(model.lastResultMessage(), QStringLiteral("No minimizable windows were found."));
+    desk.expectBystandersAlive();
 }
 
 TEST_F(KWinIntegration, HideAllThenOpenOneBringsItBackActive)
@@ -122,18 +140,19 @@ TEST_F(KWinIntegration, HideAllThenOpenOneBringsItBackActive)
     kwin::KWinPlatform kwin;
     AppModel model(kwin.platform());
     model.hideAllApps();
-    EXPECT_EQ(model.lastResultMessage(), QStringLiteral("Hid 5 apps."));
+    EXPECT_EQ(model.lastResultMessage(), QStringLiteral("Hid 6 apps."));
     for (const std::string& caption : Desk::standardCaptions())
         EXPECT_TRUE(tb::waitUntil([&] { return minimizedInKWin(caption); })) << caption;
     EXPECT_FALSE(minimizedInKWin("kdesk-accessory"));
     EXPECT_TRUE(tb::waitUntil([&] {
         model.refreshRunningApps();
-        return model.runningApps().size() == 5 &&
+        return model.runningApps().size() == 6 &&
                std::all_of(model.runningApps().begin(), model.runningApps().end(),
                            [](const RunningAppInfo& a) { return a.status() == QStringLiteral("Hidden"); });
     }));
     model.hideAllApps();
     EXPECT_EQ(model.lastResultMessage(), QStringLiteral("No apps could be hidden."));
+    desk.expectBystandersAlive();
 
     const auto row = std::find_if(model.runningApps().begin(), model.runningApps().end(),
                                   [&](const RunningAppInfo& a) { return a.id == desk.term; });
@@ -161,15 +180,17 @@ TEST_F(KWinIntegration, CloseAllAsksAndKillsNothing)
     kwin::KWinPlatform kwin;
     AppModel model(kwin.platform());
     model.closeAllWindows();
-    EXPECT_EQ(model.lastResultMessage(), QStringLiteral("Closed 5 windows."));
-    for (const int pid : {desk.a, desk.b, desk.term})
+    EXPECT_EQ(model.lastResultMessage(), QStringLiteral("Closed 6 windows."));
+    for (const int pid : {desk.a, desk.b, desk.gtk, desk.term})
         EXPECT_TRUE(tb::waitUntil([&] { return tb::processGone(pid); })) << pid;
+    // GTK closed its window on the compositor's request, it was not signalled.
+    EXPECT_NE(tb::readText(sharedSession().root() + "/apps.log").find("gtk window kdesk-gtk: closed on request"),
+              std::string::npos);
     EXPECT_TRUE(tb::waitUntil([] { return !seen("kdesk-main").has_value(); }));
     // The window that refuses is still there, and nothing was killed.
     EXPECT_TRUE(seen("kdesk-stubborn").has_value());
     EXPECT_FALSE(tb::processGone(desk.stubborn));
-    EXPECT_FALSE(tb::processGone(desk.accessory));
-    EXPECT_FALSE(tb::processGone(sharedSession().kwinPid()));
+    desk.expectBystandersAlive();
 }
 
 TEST_F(KWinIntegration, ForceQuitAllSparesTheCompositorTheAccessoryAndItself)
@@ -179,11 +200,10 @@ TEST_F(KWinIntegration, ForceQuitAllSparesTheCompositorTheAccessoryAndItself)
     for (const RunningAppInfo& app : model.runningApps())
         EXPECT_NE(app.id, static_cast<int>(getpid()));
     model.forceQuitAllApps();
-    EXPECT_EQ(model.lastResultMessage(), QStringLiteral("Force quit sent to 5 apps."));
+    EXPECT_EQ(model.lastResultMessage(), QStringLiteral("Force quit sent to 6 apps."));
     for (const int pid : desk.managedPids())
         EXPECT_TRUE(tb::waitUntil([&] { return tb::processGone(pid); })) << pid;
-    EXPECT_FALSE(tb::processGone(desk.accessory));
-    EXPECT_FALSE(tb::processGone(sharedSession().kwinPid()));
+    desk.expectBystandersAlive();
     EXPECT_TRUE(tb::waitUntil([&] {
         model.refreshRunningApps();
         return model.runningApps().empty();
@@ -200,7 +220,9 @@ TEST_F(KWinIntegration, TheListHasEveryRegularAppOnceWithItsMemory)
         EXPECT_TRUE(listed.insert(app.id).second) << "listed twice: " << app.id;
         EXPECT_FALSE(app.name.isEmpty()) << app.id;
         // Native windows carry the app id that names their desktop entry.
-        if (app.id != desk.term) {
+        if (app.id == desk.gtk) {
+            EXPECT_EQ(app.name, QStringLiteral("GTK Test Window"));
+        } else if (app.id != desk.term) {
             EXPECT_EQ(app.name, QStringLiteral("Wayland Test Window")) << app.id;
         }
     }

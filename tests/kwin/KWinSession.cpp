@@ -78,6 +78,9 @@ KWinSession::KWinSession(const std::string& buildDir, bool grantSelf)
     // Qt gives a native window its executable's name as app id when nothing else is set.
     tb::writeFile(dataHome + "/applications/stowly_wltestwin.desktop",
                   "[Desktop Entry]\nType=Application\nName=Wayland Test Window\nExec=stowly_wltestwin\n");
+    // GTK reports its application id as the app id.
+    tb::writeFile(dataHome + "/applications/org.stowly.GtkTestWindow.desktop",
+                  "[Desktop Entry]\nType=Application\nName=GTK Test Window\nExec=gtk_testwin.py\n");
 
     const std::string busAddressFile = m_root + "/bus-address";
     m_dbus = tb::spawn({"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1"}, busAddressFile);
@@ -172,6 +175,24 @@ int KWinSession::startXterm(const std::string& title)
     unsetenv("DISPLAY");
     m_apps.push_back(pid);
     return pid;
+}
+
+int KWinSession::startGtk(const std::string& title)
+{
+    setenv("GDK_BACKEND", "wayland", 1);
+    const int pid = tb::spawn({"/usr/bin/python3", STOWLY_GTKTESTWIN_PATH, title}, m_root + "/apps.log");
+    unsetenv("GDK_BACKEND");
+    m_apps.push_back(pid);
+    return pid;
+}
+
+int KWinSession::xwaylandPid() const
+{
+    for (const int pid : tb::allProcesses()) {
+        if (tb::parentOf(pid) == m_kwin && tb::readText("/proc/" + std::to_string(pid) + "/comm") == "Xwayland\n")
+            return pid;
+    }
+    return 0;
 }
 
 std::optional<ScriptedWindow> KWinSession::scriptedWindow(const std::string& caption)

@@ -35,6 +35,8 @@ public:
     const std::string& socketName() const { return m_socket; }
     const std::string& x11Display() const { return m_x11Display; }
     int kwinPid() const { return m_kwin; }
+    // The Xwayland server KWin started (its child); 0 when none runs.
+    int xwaylandPid() const;
     const std::string& root() const { return m_root; }
 
     // Writes a desktop entry that grants `program` the window-management interface. KWin
@@ -53,6 +55,9 @@ public:
     // Starts an app inside the session (WAYLAND_DISPLAY, DISPLAY, the session bus); its pid.
     int startNative(const std::string& title, const std::vector<std::string>& extra = {});
     int startXterm(const std::string& title);
+    // A GTK 3 window running natively on Wayland (GDK_BACKEND=wayland), app id
+    // org.stowly.GtkTestWindow, named "GTK Test Window" by its desktop entry.
+    int startGtk(const std::string& title);
     // Our X11 test client through Xwayland (see tests/linux/apps); --title is added.
     int startX11TestWindow(const std::string& title, const std::vector<std::string>& extra = {});
 

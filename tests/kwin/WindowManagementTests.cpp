@@ -2,6 +2,7 @@
 //
 // SPDX-License-Identifier: MIT
 
+#include "KWinPlatform.h"
 #include "KWinSession.h"
 #include "PlasmaWindowManagement.h"
 #include "TestBed.h"
@@ -29,6 +30,7 @@ namespace WindowState = stowly::kwin::WindowState;
 using stowly::kwintest::KWinSession;
 using stowly::kwintest::ScriptedWindow;
 using stowly::kwintest::sharedSession;
+using namespace stowly;
 
 namespace {
 
@@ -207,6 +209,51 @@ TEST_F(KWinWindows, QtsEventLoopDeliversChangesWithoutBeingAsked)
     const auto windows = management->windows();
     EXPECT_TRUE(std::any_of(windows.begin(), windows.end(),
                             [](const PlasmaWindowInfo& w) { return w.title == "kwin event loop"; }));
+    tb::kill(pid);
+}
+
+} // namespace
+
+namespace {
+
+// An X11 window's own icon (_NET_WM_ICON, 16 and 48 pixels wide, through Xwayland) as KWin
+// hands it out: read through get_icon without blocking, and shown for an app that has no
+// desktop entry. (KWin 5.27 gives native Wayland windows only the icon of their desktop entry.)
+TEST(KWinWindowIcons, AWindowsOwnIconIsReadAndUsedWhenTheDesktopEntryGivesNone)
+{
+    ASSERT_TRUE(sharedSession().ok()) << sharedSession().error();
+    const int pid =
+        sharedSession().startX11TestWindow("kwin icon", {"--icon", "48", "--class", "kwiniconapp", "KWinIconApp"});
+    // The test window fills each icon with a colour made from its width.
+    const std::uint32_t colour = 0xff000000u | (48u * 2654435761u);
+    kwin::KWinPlatform kwin;
+    PlasmaWindowManagement& management = kwin.windows();
+    std::optional<PlasmaWindowInfo> window;
+    // The icon arrives through the event loop, after the window itself.
+    ASSERT_TRUE(tb::waitUntil(
+        [&] {
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+            for (const PlasmaWindowInfo& w : management.windows()) {
+                if (w.title == "kwin icon" && w.icon)
+                    window = w;
+            }
+            return window.has_value();
+        },
+        15s));
+    EXPECT_EQ(window->pid, pid);
+    ASSERT_EQ(window->icon->width, 48);
+    ASSERT_EQ(window->icon->height, 48);
+    ASSERT_EQ(window->icon->argb.size(), 48u * 48u);
+    EXPECT_EQ(window->icon->argb.front(), colour);
+    EXPECT_EQ(window->icon->argb[48 * 24 + 24], colour);
+
+    // No desktop entry names this app: the listed app shows the window's own icon.
+    const RunningApplicationRef app = kwin.platform().workspace.runningApplication(pid);
+    ASSERT_TRUE(app);
+    const AppIconRef icon = app->icon();
+    ASSERT_TRUE(icon);
+    EXPECT_EQ(icon->width, 48);
+    EXPECT_EQ(icon->argb.back(), colour);
     tb::kill(pid);
 }
 

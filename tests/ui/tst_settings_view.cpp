@@ -205,6 +205,31 @@ private slots:
         QVERIFY(!ui.find(view, QStringLiteral("accessButtons"))->isVisible());
     }
 
+    void grantedAccessThatCannotReachEveryWindowSaysWhichItMisses()
+    {
+        UiFixture ui;
+        ui.fake.trust.trusted = true;
+        ui.fake.accessSettings.outOfReach = "Only apps running through Xwayland can be listed and acted on.";
+        ui.start();
+        QQuickView& view = ui.settings();
+        QCOMPARE(text(view, "accessTitle"), QStringLiteral("Access limited"));
+        QCOMPARE(text(view, "accessDetail"),
+                 QStringLiteral("Only apps running through Xwayland can be listed and acted on."));
+        QQuickItem* symbol = ui.find(view, QStringLiteral("accessSymbol"));
+        QCOMPARE(symbol->property("name").toString(), QStringLiteral("exclamationmark.triangle.fill"));
+        QCOMPARE(symbol->property("tint").value<QColor>(), ColorScheme::light().orange);
+        // Nothing more can be granted here.
+        QVERIFY(!ui.find(view, QStringLiteral("accessButtons"))->isVisible());
+
+        // Without access, what is missing first is access itself.
+        ui.fake.trust.trusted = false;
+        ui.model().refreshPermissionStatus();
+        UiFixture::settle();
+        QCOMPARE(text(view, "accessTitle"), QStringLiteral("Access required"));
+        QCOMPARE(text(view, "accessDetail"),
+                 QStringLiteral("Stowly needs Accessibility access to minimize or close windows in other apps."));
+    }
+
     void launchAtStartupRowDrivesTheModel()
     {
         UiFixture ui;

@@ -184,6 +184,19 @@ private slots:
         checkTextsFit(view, 14, 340 - 14);
     }
 
+    void settingsEndLimited()
+    {
+        UiFixture ui;
+        ui.fake.trust.trusted = true;
+        ui.fake.accessSettings.outOfReach = "Only apps running through Xwayland can be listed and acted on: this "
+                                            "Wayland desktop does not let Stowly see its other windows.";
+        ui.start();
+        QQuickView& view = ui.settings();
+        scrollSettingsToTheEnd(ui, view);
+        save(view, "settings_end_limited");
+        checkTextsFit(view, 28, 760 - 28);
+    }
+
     void settingsEndNotGranted()
     {
         UiFixture ui;

@@ -160,6 +160,15 @@ TEST_F(LaunchAndAccess, AccessSettingsAreNamedByThePlatformAndOpenedThroughIt)
     EXPECT_EQ(fakes.urlOpener.opened, std::vector<std::string>{"obconf:"});
 }
 
+TEST_F(LaunchAndAccess, WindowsOutOfReachAreThePlatformsToName)
+{
+    auto& m = makeModel();
+    EXPECT_EQ(m.accessLimitation(), std::nullopt);
+    fakes.accessSettings.outOfReach = "Only apps running through Xwayland can be listed and acted on.";
+    EXPECT_EQ(m.accessLimitation(),
+              std::optional<QString>(q("Only apps running through Xwayland can be listed and acted on.")));
+}
+
 TEST_F(LaunchAndAccess, NothingToOpenOpensNothingAndChangesNothing)
 {
     auto& m = makeModel();

@@ -13,110 +13,74 @@ namespace stowly::kwin {
 
 namespace {
 
-struct ApplicationElement : AXElement {
-    explicit ApplicationElement(std::int32_t pid) : pid(pid) {}
-    std::int32_t pid;
-};
-
-struct WindowElement : AXElement {
-    explicit WindowElement(PlasmaWindowInfo info) : info(std::move(info)) {}
+struct KWinWindow : linuxdesktop::WindowAccessibility::Window {
+    explicit KWinWindow(PlasmaWindowInfo info) : info(std::move(info)) {}
     PlasmaWindowInfo info; // as read with the app's window list
 };
 
-struct CloseButtonElement : AXElement {
-    explicit CloseButtonElement(std::string uuid) : uuid(std::move(uuid)) {}
+struct KWinCloseButton : linuxdesktop::WindowAccessibility::CloseButton {
+    explicit KWinCloseButton(std::string uuid) : uuid(std::move(uuid)) {}
     std::string uuid;
 };
 
+// Every Window and CloseButton this backend hands out is one of its own.
+const PlasmaWindowInfo& infoOf(const linuxdesktop::WindowAccessibility::Window& window)
+{
+    return static_cast<const KWinWindow&>(window).info;
+}
+
 } // namespace
 
-AXElementRef KWinAccessibility::createApplication(std::int32_t processIdentifier)
+AXError KWinAccessibility::reachable()
 {
-    return std::make_shared<ApplicationElement>(processIdentifier);
+    return m_windows.isGranted() ? kAXErrorSuccess : kAXErrorCannotComplete;
 }
 
-AXError KWinAccessibility::copyAttributeValue(const AXElementRef& element, const std::string& attribute, AXValue& value)
+AXError KWinAccessibility::windowsOf(std::int32_t pid, AXElementList& windows)
 {
-    value = AXAbsent{};
-    if (!element)
-        return kAXErrorIllegalArgument;
-    if (!m_windows.isGranted())
-        return kAXErrorCannotComplete;
-
-    if (const auto* app = dynamic_cast<const ApplicationElement*>(element.get())) {
-        if (attribute == kAXRoleAttribute) {
-            value = std::string("AXApplication");
-            return kAXErrorSuccess;
-        }
-        if (attribute != kAXWindowsAttribute)
-            return kAXErrorAttributeUnsupported;
-        AXElementList windows;
-        for (PlasmaWindowInfo& window : m_workspace.windowsOf(app->pid))
-            windows.push_back(std::make_shared<WindowElement>(std::move(window)));
-        value = std::move(windows);
-        return kAXErrorSuccess;
-    }
-
-    if (const auto* window = dynamic_cast<const WindowElement*>(element.get())) {
-        const PlasmaWindowInfo& w = window->info;
-        if (attribute == kAXRoleAttribute) {
-            value = std::string(kAXWindowRole);
-        } else if (attribute == kAXSubroleAttribute) {
-            // KWin says which windows have a transient parent; those are the dialogs.
-            value = std::string(w.isTransient() ? kAXDialogSubrole : kAXStandardWindowSubrole);
-        } else if (attribute == kAXMinimizedAttribute) {
-            value = w.has(WindowState::minimized);
-        } else if (attribute == kAXCloseButtonAttribute) {
-            if (!w.has(WindowState::closeable))
-                return kAXErrorAttributeUnsupported;
-            value = AXElementRef(std::make_shared<CloseButtonElement>(w.uuid));
-        } else if (attribute == "AXTitle") {
-            value = w.title;
-        } else {
-            return kAXErrorAttributeUnsupported;
-        }
-        return kAXErrorSuccess;
-    }
-
-    if (dynamic_cast<const CloseButtonElement*>(element.get()) != nullptr) {
-        if (attribute == kAXRoleAttribute) {
-            value = std::string("AXButton");
-            return kAXErrorSuccess;
-        }
-        return kAXErrorAttributeUnsupported;
-    }
-    return kAXErrorIllegalArgument;
+    for (PlasmaWindowInfo& window : m_workspace.windowsOf(pid))
+        windows.push_back(std::make_shared<KWinWindow>(std::move(window)));
+    return kAXErrorSuccess;
 }
 
-AXError KWinAccessibility::setAttributeValue(const AXElementRef& element, const std::string& attribute,
-                                             const AXValue& value)
+std::string KWinAccessibility::subroleOf(const Window& window)
 {
-    const auto* window = dynamic_cast<const WindowElement*>(element.get());
-    if (window == nullptr)
-        return element ? kAXErrorAttributeUnsupported : kAXErrorIllegalArgument;
-    if (attribute != kAXMinimizedAttribute)
-        return kAXErrorAttributeUnsupported;
-    const bool* minimized = std::get_if<bool>(&value);
-    if (minimized == nullptr)
-        return kAXErrorIllegalArgument;
+    // KWin says which windows have a transient parent; those are the dialogs.
+    return infoOf(window).isTransient() ? kAXDialogSubrole : kAXStandardWindowSubrole;
+}
+
+bool KWinAccessibility::isMinimized(const Window& window)
+{
+    return infoOf(window).has(WindowState::minimized);
+}
+
+std::optional<std::string> KWinAccessibility::titleOf(const Window& window)
+{
+    return infoOf(window).title;
+}
+
+AXElementRef KWinAccessibility::closeButtonOf(const Window& window)
+{
+    const PlasmaWindowInfo& info = infoOf(window);
+    return info.has(WindowState::closeable) ? std::make_shared<KWinCloseButton>(info.uuid) : nullptr;
+}
+
+AXError KWinAccessibility::setMinimized(const Window& window, bool minimized)
+{
     if (!m_windows.isGranted())
         return kAXErrorCannotComplete;
-    const bool sent =
-        *minimized ? m_windows.setMinimized(window->info.uuid, true) : m_windows.activate(window->info.uuid);
+    const std::string& uuid = infoOf(window).uuid;
+    const bool sent = minimized ? m_windows.setMinimized(uuid, true) : m_windows.activate(uuid);
     // Not in the list any more: the window closed since it was read.
     return sent ? kAXErrorSuccess : kAXErrorInvalidUIElement;
 }
 
-AXError KWinAccessibility::performAction(const AXElementRef& element, const std::string& action)
+AXError KWinAccessibility::press(const CloseButton& button)
 {
-    const auto* button = dynamic_cast<const CloseButtonElement*>(element.get());
-    if (button == nullptr)
-        return element ? kAXErrorActionUnsupported : kAXErrorIllegalArgument;
-    if (action != kAXPressAction)
-        return kAXErrorActionUnsupported;
     if (!m_windows.isGranted())
         return kAXErrorCannotComplete;
-    return m_windows.close(button->uuid) ? kAXErrorSuccess : kAXErrorInvalidUIElement;
+    return m_windows.close(static_cast<const KWinCloseButton&>(button).uuid) ? kAXErrorSuccess
+                                                                             : kAXErrorInvalidUIElement;
 }
 
 bool KWinAccessibilityTrust::isProcessTrusted(bool prompt)

@@ -7,7 +7,7 @@
 #include "KWinAccessGrant.h"
 #include "KWinWorkspace.h"
 #include "PlasmaWindowManagement.h"
-#include "platform/Accessibility.h"
+#include "WindowAccessibility.h"
 
 #include <chrono>
 #include <optional>
@@ -16,17 +16,22 @@ namespace stowly::kwin {
 
 // Accessibility elements over KWin's windows: an application is a pid, a window is a KWin
 // uuid read with the app's window list.
-class KWinAccessibility : public Accessibility {
+class KWinAccessibility : public linuxdesktop::WindowAccessibility {
 public:
     KWinAccessibility(KWinWorkspace& workspace, PlasmaWindowManagement& windows)
         : m_workspace(workspace), m_windows(windows)
     {
     }
 
-    AXElementRef createApplication(std::int32_t processIdentifier) override;
-    AXError copyAttributeValue(const AXElementRef& element, const std::string& attribute, AXValue& value) override;
-    AXError setAttributeValue(const AXElementRef& element, const std::string& attribute, const AXValue& value) override;
-    AXError performAction(const AXElementRef& element, const std::string& action) override;
+protected:
+    AXError reachable() override;
+    AXError windowsOf(std::int32_t pid, AXElementList& windows) override;
+    std::string subroleOf(const Window& window) override;
+    bool isMinimized(const Window& window) override;
+    std::optional<std::string> titleOf(const Window& window) override;
+    AXElementRef closeButtonOf(const Window& window) override;
+    AXError setMinimized(const Window& window, bool minimized) override;
+    AXError press(const CloseButton& button) override;
 
 private:
     KWinWorkspace& m_workspace;

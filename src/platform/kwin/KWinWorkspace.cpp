@@ -139,6 +139,13 @@ std::vector<RunningApplicationRef> KWinWorkspace::listApplications()
             }
             break;
         }
+        // No icon from a desktop entry: the one KWin shows for the app's windows, by image
+        // (an X11 window's own) or by theme name.
+        for (const PlasmaWindowInfo* window : byPid[pid]) {
+            if (state.icon)
+                break;
+            state.icon = window->icon ? window->icon : m_themedIcons.lookup(window->themedIconName);
+        }
         apps.push_back(std::make_shared<linuxdesktop::ListedApplication>(*this, std::move(state)));
     }
     m_liveness.keepOnly(order);

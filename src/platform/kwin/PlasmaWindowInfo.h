@@ -6,6 +6,8 @@
 // copied out of the protocol objects so that callers never hold a Wayland proxy.
 #pragma once
 
+#include "platform/AppIcon.h"
+
 #include <cstdint>
 #include <string>
 
@@ -26,9 +28,11 @@ struct PlasmaWindowInfo {
     std::string appId;        // xdg app id, or the X11 class for XWayland windows
     std::string resourceName; // empty before protocol version 16
     std::string title;
-    std::string parentUuid;  // the transient parent; empty for a top-level window
-    std::int32_t pid = 0;    // 0 when KWin does not know it
-    std::uint32_t state = 0; // WindowState bits
+    std::string parentUuid;     // the transient parent; empty for a top-level window
+    std::int32_t pid = 0;       // 0 when KWin does not know it
+    std::uint32_t state = 0;    // WindowState bits
+    std::string themedIconName; // the icon theme's name for the window's icon, if it has one
+    AppIconRef icon;            // the window's own icon image (get_icon); null until read, or none
 
     bool has(std::uint32_t bit) const { return (state & bit) != 0; }
     bool isTransient() const { return !parentUuid.empty(); }

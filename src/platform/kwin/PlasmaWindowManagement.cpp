@@ -4,6 +4,9 @@
 
 #include "PlasmaWindowManagement.h"
 
+#include "IconPipeReader.h"
+#include "SerializedIcon.h"
+#include "ThemedIcons.h"
 #include "WaylandConnection.h"
 
 #include "plasma-window-management-client.h"
@@ -17,6 +20,8 @@ namespace stowly::kwin {
 namespace {
 // Version 16 is what the protocol file we build against describes (KWin 5.27).
 constexpr std::uint32_t newestKnownVersion = 16;
+// A window icon is a few PNG images; anything past this is not one.
+constexpr int kIconByteLimit = 8 * 1024 * 1024;
 
 std::string text(const char* value)
 {
@@ -31,6 +36,7 @@ struct PlasmaWindowManagement::Window {
     std::uint64_t sequence = 0;
     bool ready = false; // initial_state has arrived
     PlasmaWindowInfo info;
+    std::unique_ptr<IconPipeReader> iconReader; // the icon being read, or the last one read
 
     ~Window()
     {
@@ -39,6 +45,7 @@ struct PlasmaWindowManagement::Window {
     }
 
     static Window* from(void* data) { return static_cast<Window*>(data); }
+    void readIcon();
     void changed()
     {
         if (ready)
@@ -58,7 +65,11 @@ const org_kde_plasma_window_listener PlasmaWindowManagement::Window::listener{
     .state_changed = [](void* data, org_kde_plasma_window*,
                         std::uint32_t flags) { from(data)->info.state = flags, from(data)->changed(); },
     .virtual_desktop_changed = [](void*, org_kde_plasma_window*, std::int32_t) {},
-    .themed_icon_name_changed = [](void*, org_kde_plasma_window*, const char*) {},
+    .themed_icon_name_changed =
+        [](void* data, org_kde_plasma_window*, const char* name) {
+            from(data)->info.themedIconName = text(name);
+            from(data)->changed();
+        },
     .unmapped = [](void* data, org_kde_plasma_window*) { from(data)->owner->removeWindow(from(data)); },
     .initial_state =
         [](void* data, org_kde_plasma_window*) {
@@ -74,7 +85,7 @@ const org_kde_plasma_window_listener PlasmaWindowManagement::Window::listener{
             window->changed();
         },
     .geometry = [](void*, org_kde_plasma_window*, std::int32_t, std::int32_t, std::uint32_t, std::uint32_t) {},
-    .icon_changed = [](void*, org_kde_plasma_window*) {},
+    .icon_changed = [](void* data, org_kde_plasma_window*) { from(data)->readIcon(); },
     .pid_changed =
         [](void* data, org_kde_plasma_window*, std::uint32_t pid) {
             // A pid beyond the signed range is no process of ours to name.
@@ -101,6 +112,25 @@ const org_kde_plasma_window_management_listener PlasmaWindowManagement::Window::
     .stacking_order_uuid_changed = [](void*, org_kde_plasma_window_management*, const char*) {},
     .window_with_uuid = &PlasmaWindowManagement::onWindowAnnounced,
 };
+
+// KWin writes the icon into the pipe from a worker thread and then closes it; we read it as it
+// comes, on the event loop. A newer icon replaces a read still under way.
+void PlasmaWindowManagement::Window::readIcon()
+{
+    iconReader = std::make_unique<IconPipeReader>(kIconByteLimit, [this](const QByteArray& bytes) {
+        info.icon = decodeSerializedIcon(bytes, linuxdesktop::kWantedIconSize);
+        // Told on the next turn of the loop: a listener may drop this window (and its reader).
+        if (ready)
+            QMetaObject::invokeMethod(owner, &PlasmaWindowManagement::windowsChanged, Qt::QueuedConnection);
+    });
+    if (iconReader->writeEnd() < 0) {
+        iconReader.reset();
+        return;
+    }
+    org_kde_plasma_window_get_icon(proxy, iconReader->writeEnd());
+    owner->connection_->flush();
+    iconReader->closeWriteEnd();
+}
 
 PlasmaWindowManagement::PlasmaWindowManagement(std::string socketName, int timeoutMs)
     : socketName_(std::move(socketName)), timeoutMs_(timeoutMs)

@@ -14,13 +14,8 @@ namespace stowly::x11 {
 
 namespace {
 
-struct ApplicationElement : AXElement {
-    explicit ApplicationElement(std::int32_t pid) : pid(pid) {}
-    std::int32_t pid;
-};
-
-struct WindowElement : AXElement {
-    WindowElement(std::shared_ptr<const ClientWindow> info, std::uint64_t generation)
+struct X11Window : linuxdesktop::WindowAccessibility::Window {
+    X11Window(std::shared_ptr<const ClientWindow> info, std::uint64_t generation)
         : info(std::move(info)), generation(generation)
     {
     }
@@ -30,27 +25,24 @@ struct WindowElement : AXElement {
     std::uint64_t generation; // of the connection the id belongs to
 };
 
-struct CloseButtonElement : AXElement {
-    CloseButtonElement(xcb_window_t window, std::uint64_t generation) : window(window), generation(generation) {}
+struct X11CloseButton : linuxdesktop::WindowAccessibility::CloseButton {
+    X11CloseButton(xcb_window_t window, std::uint64_t generation) : window(window), generation(generation) {}
     xcb_window_t window;
     std::uint64_t generation;
 };
 
-std::string subroleOf(const XConnection& x, const ClientWindow& w)
+// Every Window and CloseButton this backend hands out is one of its own.
+const X11Window& own(const linuxdesktop::WindowAccessibility::Window& window)
 {
-    const xcb_atom_t type = effectiveWindowType(x, w);
-    if (type == x.atom(Atom::NET_WM_WINDOW_TYPE_DIALOG) || (type == XCB_NONE && w.transient))
-        return kAXDialogSubrole;
-    if (type == XCB_NONE || type == x.atom(Atom::NET_WM_WINDOW_TYPE_NORMAL))
-        return kAXStandardWindowSubrole;
-    if (type == x.atom(Atom::NET_WM_WINDOW_TYPE_UTILITY) || type == x.atom(Atom::NET_WM_WINDOW_TYPE_TOOLBAR) ||
-        type == x.atom(Atom::NET_WM_WINDOW_TYPE_MENU) || type == x.atom(Atom::NET_WM_WINDOW_TYPE_SPLASH))
-        return kAXFloatingWindowSubrole;
-    return "AXUnknown";
+    return static_cast<const X11Window&>(window);
+}
+const X11CloseButton& own(const linuxdesktop::WindowAccessibility::CloseButton& button)
+{
+    return static_cast<const X11CloseButton&>(button);
 }
 
 // A window id is only meaningful on the connection that produced it.
-AXError usable(XConnection& x, std::uint64_t generation)
+AXError usableOn(XConnection& x, std::uint64_t generation)
 {
     if (!x.ensureConnected())
         return kAXErrorCannotComplete;
@@ -59,102 +51,75 @@ AXError usable(XConnection& x, std::uint64_t generation)
 
 } // namespace
 
-AXElementRef X11Accessibility::createApplication(std::int32_t processIdentifier)
+AXError X11Accessibility::windowsOf(std::int32_t pid, AXElementList& windows)
 {
-    return std::make_shared<ApplicationElement>(processIdentifier);
+    const auto snapshot = windowSnapshotFor(m_x, pid);
+    if (!snapshot->connected)
+        return kAXErrorCannotComplete;
+    for (const ClientWindow& w : snapshot->windows)
+        if (!w.vanished && w.pid == pid)
+            windows.push_back(
+                std::make_shared<X11Window>(std::shared_ptr<const ClientWindow>(snapshot, &w), snapshot->generation));
+    return kAXErrorSuccess;
 }
 
-AXError X11Accessibility::copyAttributeValue(const AXElementRef& element, const std::string& attribute, AXValue& value)
+AXError X11Accessibility::usable(const Window& window)
 {
-    value = AXAbsent{};
-    if (!element)
-        return kAXErrorIllegalArgument;
-
-    if (const auto* app = dynamic_cast<const ApplicationElement*>(element.get())) {
-        if (attribute == kAXRoleAttribute) {
-            value = std::string("AXApplication");
-            return kAXErrorSuccess;
-        }
-        if (attribute != kAXWindowsAttribute)
-            return kAXErrorAttributeUnsupported;
-        const auto snapshot = windowSnapshotFor(m_x, app->pid);
-        if (!snapshot->connected)
-            return kAXErrorCannotComplete;
-        AXElementList windows;
-        for (const ClientWindow& w : snapshot->windows)
-            if (!w.vanished && w.pid == app->pid)
-                windows.push_back(std::make_shared<WindowElement>(std::shared_ptr<const ClientWindow>(snapshot, &w),
-                                                                  snapshot->generation));
-        value = std::move(windows);
-        return kAXErrorSuccess;
-    }
-
-    if (const auto* window = dynamic_cast<const WindowElement*>(element.get())) {
-        if (const AXError error = usable(m_x, window->generation); error != kAXErrorSuccess)
-            return error;
-        const ClientWindow& w = *window->info;
-        if (w.vanished)
-            return kAXErrorInvalidUIElement;
-        if (attribute == kAXRoleAttribute) {
-            value = std::string(kAXWindowRole);
-        } else if (attribute == kAXSubroleAttribute) {
-            value = subroleOf(m_x, w);
-        } else if (attribute == kAXMinimizedAttribute) {
-            value = w.isMinimized(m_x);
-        } else if (attribute == kAXCloseButtonAttribute) {
-            // Without WM_DELETE_WINDOW the only way to close is to kill the client.
-            if (!w.supportsDelete)
-                return kAXErrorAttributeUnsupported;
-            value = AXElementRef(std::make_shared<CloseButtonElement>(w.id, window->generation));
-        } else if (attribute == "AXTitle") {
-            if (w.title)
-                value = *w.title;
-        } else {
-            return kAXErrorAttributeUnsupported;
-        }
-        return kAXErrorSuccess;
-    }
-
-    if (const auto* button = dynamic_cast<const CloseButtonElement*>(element.get())) {
-        if (const AXError error = usable(m_x, button->generation); error != kAXErrorSuccess)
-            return error;
-        if (attribute == kAXRoleAttribute) {
-            value = std::string("AXButton");
-            return kAXErrorSuccess;
-        }
-        return kAXErrorAttributeUnsupported;
-    }
-    return kAXErrorIllegalArgument;
-}
-
-AXError X11Accessibility::setAttributeValue(const AXElementRef& element, const std::string& attribute,
-                                            const AXValue& value)
-{
-    const auto* window = dynamic_cast<const WindowElement*>(element.get());
-    if (window == nullptr)
-        return element ? kAXErrorAttributeUnsupported : kAXErrorIllegalArgument;
-    if (attribute != kAXMinimizedAttribute)
-        return kAXErrorAttributeUnsupported;
-    const bool* minimized = std::get_if<bool>(&value);
-    if (minimized == nullptr)
-        return kAXErrorIllegalArgument;
-    if (const AXError error = usable(m_x, window->generation); error != kAXErrorSuccess)
+    if (const AXError error = usableOn(m_x, own(window).generation); error != kAXErrorSuccess)
         return error;
-    if (*minimized)
-        return requestIconify(m_x, window->info->id);
-    return requestActivate(m_x, {window->info->id});
+    return own(window).info->vanished ? kAXErrorInvalidUIElement : kAXErrorSuccess;
 }
 
-AXError X11Accessibility::performAction(const AXElementRef& element, const std::string& action)
+AXError X11Accessibility::usable(const CloseButton& button)
 {
-    const auto* button = dynamic_cast<const CloseButtonElement*>(element.get());
-    if (button == nullptr)
-        return element ? kAXErrorActionUnsupported : kAXErrorIllegalArgument;
-    if (action != kAXPressAction)
-        return kAXErrorActionUnsupported;
-    if (const AXError error = usable(m_x, button->generation); error != kAXErrorSuccess)
+    return usableOn(m_x, own(button).generation);
+}
+
+std::string X11Accessibility::subroleOf(const Window& window)
+{
+    const ClientWindow& w = *own(window).info;
+    const xcb_atom_t type = effectiveWindowType(m_x, w);
+    if (type == m_x.atom(Atom::NET_WM_WINDOW_TYPE_DIALOG) || (type == XCB_NONE && w.transient))
+        return kAXDialogSubrole;
+    if (type == XCB_NONE || type == m_x.atom(Atom::NET_WM_WINDOW_TYPE_NORMAL))
+        return kAXStandardWindowSubrole;
+    if (type == m_x.atom(Atom::NET_WM_WINDOW_TYPE_UTILITY) || type == m_x.atom(Atom::NET_WM_WINDOW_TYPE_TOOLBAR) ||
+        type == m_x.atom(Atom::NET_WM_WINDOW_TYPE_MENU) || type == m_x.atom(Atom::NET_WM_WINDOW_TYPE_SPLASH))
+        return kAXFloatingWindowSubrole;
+    return "AXUnknown";
+}
+
+bool X11Accessibility::isMinimized(const Window& window)
+{
+    return own(window).info->isMinimized(m_x);
+}
+
+std::optional<std::string> X11Accessibility::titleOf(const Window& window)
+{
+    return own(window).info->title;
+}
+
+AXElementRef X11Accessibility::closeButtonOf(const Window& window)
+{
+    // Without WM_DELETE_WINDOW the only way to close is to kill the client.
+    const X11Window& w = own(window);
+    return w.info->supportsDelete ? std::make_shared<X11CloseButton>(w.info->id, w.generation) : nullptr;
+}
+
+AXError X11Accessibility::setMinimized(const Window& window, bool minimized)
+{
+    if (const AXError error = usableOn(m_x, own(window).generation); error != kAXErrorSuccess)
         return error;
-    return requestClose(m_x, button->window);
+    if (minimized)
+        return requestIconify(m_x, own(window).info->id);
+    return requestActivate(m_x, {own(window).info->id});
+}
+
+AXError X11Accessibility::press(const CloseButton& button)
+{
+    if (const AXError error = usable(button); error != kAXErrorSuccess)
+        return error;
+    return requestClose(m_x, own(button).window);
 }
 
 bool X11AccessibilityTrust::isProcessTrusted(bool prompt)

@@ -4,9 +4,9 @@
 
 #pragma once
 
+#include "WindowAccessibility.h"
 #include "WindowSnapshot.h"
 #include "XConnection.h"
-#include "platform/Accessibility.h"
 
 #include <optional>
 
@@ -15,14 +15,20 @@ namespace stowly::x11 {
 // Accessibility elements over EWMH client windows. Reading "AXWindows" reads every
 // property the window attributes need in the same batch, so the per-window reads that
 // follow answer from memory; only changes go to the server.
-class X11Accessibility : public Accessibility {
+class X11Accessibility : public linuxdesktop::WindowAccessibility {
 public:
     explicit X11Accessibility(XConnection& x) : m_x(x) {}
 
-    AXElementRef createApplication(std::int32_t processIdentifier) override;
-    AXError copyAttributeValue(const AXElementRef& element, const std::string& attribute, AXValue& value) override;
-    AXError setAttributeValue(const AXElementRef& element, const std::string& attribute, const AXValue& value) override;
-    AXError performAction(const AXElementRef& element, const std::string& action) override;
+protected:
+    AXError windowsOf(std::int32_t pid, AXElementList& windows) override;
+    AXError usable(const Window& window) override;
+    AXError usable(const CloseButton& button) override;
+    std::string subroleOf(const Window& window) override;
+    bool isMinimized(const Window& window) override;
+    std::optional<std::string> titleOf(const Window& window) override;
+    AXElementRef closeButtonOf(const Window& window) override;
+    AXError setMinimized(const Window& window, bool minimized) override;
+    AXError press(const CloseButton& button) override;
 
 private:
     XConnection& m_x;
