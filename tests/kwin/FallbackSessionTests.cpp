@@ -16,6 +16,7 @@
 #include <stdlib.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <optional>
 
 using namespace std::chrono_literals;
@@ -69,6 +70,10 @@ bool lists(Workspace& workspace, int pid)
 
 TEST(FallbackSession, OnAWaylandCompositorWithoutWindowManagementOnlyXwaylandAppsAreReachedAndAccessSaysSo)
 {
+    // sway refuses to run as root, and the test bed runs it in a user namespace; a kernel
+    // or sandbox that gives none leaves nothing to test here.
+    if (std::system("unshare --user --map-user=1000 --map-group=1000 true >/dev/null 2>&1") != 0)
+        GTEST_SKIP() << "no user namespaces on this machine: sway cannot run here";
     kwintest::SwaySession sway(STOWLY_TEST_BUILD_DIR);
     ASSERT_TRUE(sway.ok()) << sway.error();
     setenv("DISPLAY", sway.x11Display().c_str(), 1);
