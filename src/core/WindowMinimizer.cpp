@@ -206,12 +206,18 @@ std::vector<RunningApplicationRef> WindowMinimizer::managedApps()
 
 std::vector<RunningAppInfo> WindowMinimizer::runningApps()
 {
-    // One sample of the process table serves every app of this call.
-    const std::vector<ProcessMemoryRecord> records = groupedProcessMemory();
+    // One walk over the process table serves every app of this call. It comes before the
+    // apps are listed (a platform may answer both from one reading of the windows); the
+    // memory is read after, and only for processes that can count toward one of them.
+    std::vector<ProcessMemoryRecord> processes = namedProcesses();
+    const std::vector<RunningApplicationRef> apps = managedApps();
+    const MemoryClaims claims(apps);
+    const std::vector<ProcessMemoryRecord> records = withMemory(
+        std::move(processes), [&claims](const ProcessMemoryRecord& record) { return claims.mayClaim(record); });
     const auto lowerBundles = lowerBundleIdentifiers(records);
 
     std::vector<RunningAppInfo> infos;
-    for (const auto& app : managedApps()) {
+    for (const auto& app : apps) {
         const auto name = app->localizedName();
         infos.push_back(RunningAppInfo{
             app->processIdentifier(),
@@ -338,17 +344,19 @@ std::optional<std::uint64_t> WindowMinimizer::memoryUsage(std::int32_t pid)
 
 std::vector<ProcessMemoryRecord> WindowMinimizer::groupedProcessMemory()
 {
+    return withMemory(namedProcesses(), [](const ProcessMemoryRecord&) { return true; });
+}
+
+std::vector<ProcessMemoryRecord> WindowMinimizer::namedProcesses()
+{
     const std::int32_t ownPid = m_workspace.currentProcessIdentifier();
     std::vector<ProcessMemoryRecord> records;
     for (std::int32_t pid : allPIDs()) {
         if (pid == ownPid)
             continue;
-        const auto memory = memoryUsage(pid);
-        if (!memory)
-            continue; // also a process that vanished since the listing
         const auto name = processName(pid);
         if (!name)
-            continue;
+            continue; // also a process that vanished since the listing
         std::optional<QString> bundleIdentifier;
         if (const auto app = m_workspace.runningApplication(pid)) {
             if (auto identifier = app->bundleIdentifier())
@@ -360,10 +368,57 @@ std::vector<ProcessMemoryRecord> WindowMinimizer::groupedProcessMemory()
             pid,
             normalized ? std::move(*normalized) : name->toLower(),
             std::move(bundleIdentifier),
-            *memory,
+            0,
         });
     }
     return records;
+}
+
+template <typename Counts>
+std::vector<ProcessMemoryRecord> WindowMinimizer::withMemory(std::vector<ProcessMemoryRecord> processes, Counts counts)
+{
+    std::vector<ProcessMemoryRecord> records;
+    for (auto& record : processes) {
+        if (!counts(record))
+            continue;
+        const auto memory = memoryUsage(record.pid);
+        if (!memory)
+            continue; // a kernel thread, a zombie, or a process that vanished meanwhile
+        record.memoryBytes = *memory;
+        records.push_back(std::move(record));
+    }
+    return records;
+}
+
+WindowMinimizer::MemoryClaims::MemoryClaims(const std::vector<RunningApplicationRef>& apps)
+{
+    for (const auto& app : apps) {
+        if (auto identifier = app->bundleIdentifier())
+            m_bundles.insert(QString::fromStdString(*identifier).toLower());
+        std::optional<QString> name;
+        if (auto localized = app->localizedName())
+            name = normalizedProcessName(QString::fromStdString(*localized));
+        if (name)
+            m_names.insert(*name);
+        else
+            m_pids.insert(app->processIdentifier());
+    }
+}
+
+bool WindowMinimizer::MemoryClaims::mayClaim(const ProcessMemoryRecord& record) const
+{
+    if (!m_bundles.isEmpty() && record.bundleIdentifier && m_bundles.contains(record.bundleIdentifier->toLower()))
+        return true;
+    const QString& name = record.normalizedName;
+    if (m_names.contains(name))
+        return true;
+    // "<app name> helper...": every place the suffix starts may end an app's name.
+    static const QString helper = QStringLiteral(" helper");
+    for (qsizetype at = name.indexOf(helper); at >= 0; at = name.indexOf(helper, at + 1)) {
+        if (m_names.contains(name.left(at)))
+            return true;
+    }
+    return m_pids.contains(record.pid);
 }
 
 std::vector<std::optional<QString>>

@@ -11,6 +11,7 @@
 #include "platform/ProcessTable.h"
 #include "platform/Workspace.h"
 
+#include <QSet>
 #include <QString>
 
 #include <cstdint>
@@ -61,6 +62,25 @@ public:
                                              const std::vector<ProcessMemoryRecord>& processMemory);
 
 private:
+    // Whether a process can count toward any of the given apps: the union of totalMemory's
+    // rules over them, so that the memory of a process no app can claim is never read.
+    class MemoryClaims {
+    public:
+        explicit MemoryClaims(const std::vector<RunningApplicationRef>& apps);
+        bool mayClaim(const ProcessMemoryRecord& record) const;
+
+    private:
+        QSet<QString> m_bundles; // lower-cased
+        QSet<QString> m_names;   // normalized
+        QSet<std::int32_t> m_pids;
+    };
+
+    // Every process but this one with its name and owning app's identifier; no memory yet.
+    std::vector<ProcessMemoryRecord> namedProcesses();
+    // The records that count, with their memory; those without any are left out.
+    template <typename Counts>
+    std::vector<ProcessMemoryRecord> withMemory(std::vector<ProcessMemoryRecord> processes, Counts counts);
+
     // totalMemory with the records' bundle identifiers already lower-cased (same order),
     // so that one refresh lower-cases each of them once rather than once per app.
     std::optional<std::uint64_t> totalMemory(const RunningApplication& app,

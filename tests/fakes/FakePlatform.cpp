@@ -198,6 +198,7 @@ int FakeProcessTable::name(std::int32_t pid, char* buffer, std::uint32_t bufferS
 
 int FakeProcessTable::pidRusage(std::int32_t pid, RusageInfo& info)
 {
+    memoryReads.push_back(pid);
     auto found = processes.find(pid);
     if (found == processes.end())
         return -1;

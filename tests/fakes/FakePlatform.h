@@ -146,6 +146,7 @@ public:
     std::optional<int> listAnswer;             // overrides the filled count
     std::vector<std::int32_t> extraListedPids; // listed but unknown (e.g. 0)
     int listAllPidsCalls = 0;                  // both forms: count and fill
+    std::vector<std::int32_t> memoryReads;     // pids asked for their usage, in order
 
     FakeProcess& add(std::int32_t pid, std::optional<std::string> name, std::uint64_t footprint);
 

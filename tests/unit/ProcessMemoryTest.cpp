@@ -296,6 +296,42 @@ TEST_F(ProcessMemory, RunningAppsSamplesTheProcessTableOnce)
     EXPECT_EQ(apps[0].memoryBytes, std::optional<std::uint64_t>(1300));
 }
 
+TEST_F(ProcessMemory, RunningAppsReadsTheMemoryOfClaimableProcessesOnlyAndSumsAsAFullReadWould)
+{
+    auto foo = workspace.addApp(10, "Foo");
+    processTable.add(10, "foo", 1);
+    processTable.add(11, "foo helper (gpu)", 10);
+    processTable.add(12, "xfoo helper", 100); // no app's name ends where " helper" starts
+    auto tool = workspace.addApp(20, std::nullopt);
+    tool->bundleId = "org.x.Tool";
+    processTable.add(20, "tool", 1000);
+    processTable.add(21, "renderer", 10000);
+    helperOf(21, "ORG.X.TOOL");
+    auto anon = workspace.addApp(30, std::nullopt);
+    processTable.add(30, "whatever", 100000);
+    processTable.add(31, "whatever", 1000000); // same name, but a nameless app claims by pid only
+    processTable.add(40, "bar", 10000000);
+    helperOf(40, "org.other");
+
+    const auto whole = minimizer.groupedProcessMemory();
+    const std::optional<std::uint64_t> expected[] = {
+        minimizer.totalMemory(*foo, whole), minimizer.totalMemory(*tool, whole), minimizer.totalMemory(*anon, whole)};
+    processTable.memoryReads.clear();
+    const auto apps = minimizer.runningApps();
+
+    std::vector<std::int32_t> asked = processTable.memoryReads;
+    std::sort(asked.begin(), asked.end());
+    EXPECT_EQ(asked, (std::vector<std::int32_t>{10, 11, 20, 21, 30}));
+    ASSERT_EQ(apps.size(), 3u);
+    for (const auto& app : apps) {
+        const std::size_t i = app.id == 10 ? 0 : app.id == 20 ? 1 : 2;
+        EXPECT_EQ(app.memoryBytes, expected[i]) << app.id;
+    }
+    EXPECT_EQ(expected[0], std::optional<std::uint64_t>(11));
+    EXPECT_EQ(expected[1], std::optional<std::uint64_t>(11000));
+    EXPECT_EQ(expected[2], std::optional<std::uint64_t>(100000));
+}
+
 // ---- Names ----------------------------------------------------------------------------------
 
 TEST_F(ProcessMemory, NormalizedNameTrimsWhiteSpaceAndLowerCasesUnicode)

@@ -15,7 +15,7 @@ namespace stowly::kwin {
 
 struct KWinPlatform::Services {
     explicit Services(PlasmaWindowManagement& windows)
-        : workspace(windows, shared.procCache, shared.desktopEntries, hidden), accessibility(workspace, windows),
+        : workspace(windows, shared.roster, shared.desktopEntries, hidden), accessibility(workspace, windows),
           trust(windows)
     {
     }

@@ -29,9 +29,9 @@ std::vector<std::string> uuidsOf(const std::vector<PlasmaWindowInfo>& windows)
 
 // ---- KWinWorkspace ------------------------------------------------------------------------
 
-KWinWorkspace::KWinWorkspace(PlasmaWindowManagement& windows, linuxdesktop::ProcStatusCache& proc,
+KWinWorkspace::KWinWorkspace(PlasmaWindowManagement& windows, linuxdesktop::ProcessRoster& processes,
                              linuxdesktop::DesktopEntries& entries, HiddenWindowRecord& hidden)
-    : m_windows(windows), m_proc(proc), m_entries(entries), m_hidden(hidden)
+    : m_windows(windows), m_processes(processes), m_entries(entries), m_hidden(hidden)
 {
 }
 
@@ -166,17 +166,17 @@ RunningApplicationRef KWinWorkspace::runningApplication(std::int32_t pid)
         return nullptr;
     const auto now = std::chrono::steady_clock::now();
     if (m_passOpen && m_passListedAt && now - *m_passListedAt < kPassListingLifetime)
-        return linuxdesktop::owningApplication(pid, m_passApps, m_proc, &m_ancestorMemo);
+        return linuxdesktop::owningApplication(pid, m_passApps, m_processes, &m_ancestorMemo);
 
     linuxdesktop::AppsByPid byPid;
     for (const RunningApplicationRef& app : listApplications())
         byPid.emplace(app->processIdentifier(), app);
     if (!m_passOpen)
-        return linuxdesktop::owningApplication(pid, byPid, m_proc);
+        return linuxdesktop::owningApplication(pid, byPid, m_processes);
     m_passApps = std::move(byPid);
     m_passListedAt = now;
     m_ancestorMemo.clear();
-    return linuxdesktop::owningApplication(pid, m_passApps, m_proc, &m_ancestorMemo);
+    return linuxdesktop::owningApplication(pid, m_passApps, m_processes, &m_ancestorMemo);
 }
 
 bool KWinWorkspace::hideProcess(std::int32_t pid)

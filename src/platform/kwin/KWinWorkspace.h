@@ -24,7 +24,7 @@ namespace stowly::kwin {
 // native Wayland and Xwayland alike (KWin lists both, with their pids).
 class KWinWorkspace : public Workspace, public linuxdesktop::ProcessWindows {
 public:
-    KWinWorkspace(PlasmaWindowManagement& windows, linuxdesktop::ProcStatusCache& proc,
+    KWinWorkspace(PlasmaWindowManagement& windows, linuxdesktop::ProcessRoster& processes,
                   linuxdesktop::DesktopEntries& entries, HiddenWindowRecord& hidden);
 
     std::vector<RunningApplicationRef> runningApplications() override;
@@ -49,7 +49,7 @@ private:
     std::string activeWindow(const std::vector<PlasmaWindowInfo>& windows);
 
     PlasmaWindowManagement& m_windows;
-    linuxdesktop::ProcStatusCache& m_proc;
+    linuxdesktop::ProcessRoster& m_processes;
     linuxdesktop::DesktopEntries& m_entries;
     HiddenWindowRecord& m_hidden;
     linuxdesktop::ThemedIcons m_themedIcons;

@@ -54,7 +54,8 @@ std::optional<std::uint64_t> ListedStartTimes::intended(std::int32_t pid, std::o
     return listed != m_startTimes.end() ? std::optional<std::uint64_t>(listed->second) : seen;
 }
 
-RunningApplicationRef owningApplication(std::int32_t pid, const AppsByPid& apps, ProcStatusCache& proc, AppsByPid* memo)
+RunningApplicationRef owningApplication(std::int32_t pid, const AppsByPid& apps, ProcessRoster& processes,
+                                        AppsByPid* memo)
 {
     std::vector<std::int32_t> visited;
     RunningApplicationRef found;
@@ -73,7 +74,7 @@ RunningApplicationRef owningApplication(std::int32_t pid, const AppsByPid& apps,
         }
         if (current == 1)
             break;
-        const std::int32_t parent = proc.status(current).ppid;
+        const std::int32_t parent = processes.parent(current);
         if (parent == current || std::find(visited.begin(), visited.end(), parent) != visited.end())
             break;
         current = parent;

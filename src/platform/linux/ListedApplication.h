@@ -4,7 +4,7 @@
 
 #pragma once
 
-#include "ProcFs.h"
+#include "ProcessRoster.h"
 #include "platform/Workspace.h"
 
 #include <cstdint>
@@ -91,7 +91,7 @@ using AppsByPid = std::unordered_map<std::int32_t, RunningApplicationRef>;
 
 // The app owning windows in `pid`, else the nearest ancestor process that is one, so that
 // helper processes count for their app. `memo` (optional) keeps the answers of one pass.
-RunningApplicationRef owningApplication(std::int32_t pid, const AppsByPid& apps, ProcStatusCache& proc,
+RunningApplicationRef owningApplication(std::int32_t pid, const AppsByPid& apps, ProcessRoster& processes,
                                         AppsByPid* memo = nullptr);
 
 } // namespace stowly::linuxdesktop

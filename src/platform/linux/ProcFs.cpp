@@ -4,13 +4,8 @@
 
 #include "ProcFs.h"
 
-#include <dirent.h>
 #include <fcntl.h>
-#include <poll.h>
 #include <signal.h>
-#include <sys/resource.h>
-#include <sys/select.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -160,124 +155,19 @@ bool processIsAlive(std::int32_t pid)
     return state != 'Z' && state != 'X' && state != 'x';
 }
 
-ProcStatusCache::ProcStatusCache() : m_buffer(std::size_t{16} * 1024)
-{
-    // Keep files open only while that leaves most descriptors to the rest of the program
-    // and stays clear of FD_SETSIZE for any library that still uses select().
-    rlimit limit{};
-    if (::getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY) {
-        const rlim_t usable = std::min<rlim_t>(limit.rlim_cur, FD_SETSIZE);
-        m_maxOpenFiles = usable > 256 ? static_cast<std::size_t>(usable - 256) : 0;
-    } else {
-        m_maxOpenFiles = FD_SETSIZE - 256;
-    }
-}
+ProcStatusCache::ProcStatusCache(OpenFileBudget& budget) : m_budget(budget), m_buffer(std::size_t{16} * 1024) {}
 
 ProcStatusCache::~ProcStatusCache()
 {
-    for (const auto& [pid, file] : m_files)
-        ::close(file.fd);
-    for (const auto& [pid, thread] : m_kernelThreads)
-        ::close(thread.pidfd);
+    for (auto it = m_files.begin(); it != m_files.end();)
+        close(it++);
 }
 
-namespace {
-
-// kthreadd (pid 2) and its children are the kernel's threads: no address space, so no
-// memory lines in their status; a zombie lacks those lines too, but has exited.
-bool isKernelThread(std::int32_t pid, const ProcStatus& status)
+void ProcStatusCache::close(std::unordered_map<std::int32_t, OpenFile>::iterator it)
 {
-    const bool exited = status.state == 'Z' || status.state == 'X' || status.state == 'x';
-    return status.readable && !exited && !status.vmRssKb && !status.rssAnonKb && (pid == 2 || status.ppid == 2);
-}
-
-// PF_KTHREAD in the flags of /proc/PID/stat (field 9): set for the kernel's own threads
-// only, not for a helper the kernel starts without memory before it executes a program.
-bool hasKernelThreadFlag(std::int32_t pid)
-{
-    constexpr unsigned long kPfKthread = 0x00200000;
-    const auto stat = readProcFile(pidPath(pid, "stat"), 4096);
-    if (!stat)
-        return false;
-    const auto paren = stat->rfind(')');
-    if (paren == std::string::npos)
-        return false;
-    // After the name: state, ppid, pgrp, session, tty_nr, tpgid, then the flags.
-    const char* cursor = stat->c_str() + paren + 1;
-    for (int field = 0; field < 6; ++field) {
-        cursor = std::strchr(cursor + 1, ' ');
-        if (cursor == nullptr)
-            return false;
-    }
-    char* end = nullptr;
-    const unsigned long flags = std::strtoul(cursor + 1, &end, 10);
-    return end != cursor + 1 && (flags & kPfKthread) != 0;
-}
-
-int openPidfd(std::int32_t pid)
-{
-#ifdef SYS_pidfd_open
-    return static_cast<int>(::syscall(SYS_pidfd_open, pid, 0));
-#else
-    (void)pid;
-    errno = ENOSYS;
-    return -1;
-#endif
-}
-
-} // namespace
-
-void ProcStatusCache::rememberIfKernelThread(std::int32_t pid, const ProcStatus& status)
-{
-    if (!isKernelThread(pid, status) || m_files.size() + m_kernelThreads.size() >= m_maxOpenFiles)
-        return;
-    const auto kept = m_files.find(pid);
-    if (kept == m_files.end() || !hasKernelThreadFlag(pid))
-        return;
-    const int pidfd = openPidfd(pid);
-    if (pidfd < 0)
-        return;
-    // The status file read a moment ago still answers only while the thread it was opened
-    // for lives; then the flags read and the pidfd, opened before this check, are that
-    // same thread's.
-    char probe[64];
-    if (::pread(kept->second.fd, probe, sizeof probe, 0) <= 0) {
-        ::close(pidfd);
-        return;
-    }
-    ::close(kept->second.fd);
-    m_files.erase(kept);
-    // The kernel renames some of its workers as they take up other work: a name asked
-    // for is read afresh (LinuxProcessTable::name falls back to comm).
-    ProcStatus remembered = status;
-    remembered.name.clear();
-    remembered.nameIsExact = false;
-    m_kernelThreads.emplace(pid, KernelThread{pidfd, std::move(remembered)});
-}
-
-void ProcStatusCache::forgetExitedKernelThreads()
-{
-    if (m_kernelThreads.empty())
-        return;
-    // One poll for all of them: a pidfd becomes readable once its process has exited.
-    std::vector<pollfd> fds;
-    fds.reserve(m_kernelThreads.size());
-    m_pollPids.clear();
-    for (const auto& [pid, thread] : m_kernelThreads) {
-        fds.push_back(pollfd{thread.pidfd, POLLIN, 0});
-        m_pollPids.push_back(pid);
-    }
-    int ready;
-    do
-        ready = ::poll(fds.data(), fds.size(), 0);
-    while (ready < 0 && errno == EINTR);
-    for (std::size_t i = 0; i < fds.size(); ++i) {
-        // A failed poll trusts none of them.
-        if (ready < 0 || fds[i].revents != 0) {
-            ::close(fds[i].fd);
-            m_kernelThreads.erase(m_pollPids[i]);
-        }
-    }
+    ::close(it->second.fd);
+    m_budget.giveBack();
+    m_files.erase(it);
 }
 
 namespace {
@@ -360,14 +250,12 @@ void ProcStatusCache::beginPass()
     m_entries.clear();
     for (auto it = m_files.begin(); it != m_files.end();) {
         if (!it->second.used) {
-            ::close(it->second.fd);
-            it = m_files.erase(it);
+            close(it++);
         } else {
             it->second.used = false;
             ++it;
         }
     }
-    forgetExitedKernelThreads();
     m_passStart = std::chrono::steady_clock::now();
 }
 
@@ -384,8 +272,7 @@ bool ProcStatusCache::readStatus(std::int32_t pid, std::size_t& length)
             return true;
         }
         // The process this file belonged to is gone (the pid may be someone else's now).
-        ::close(kept->second.fd);
-        m_files.erase(kept);
+        close(kept);
     }
     char path[32];
     std::snprintf(path, sizeof path, "/proc/%d/status", pid);
@@ -401,7 +288,7 @@ bool ProcStatusCache::readStatus(std::int32_t pid, std::size_t& length)
         return false;
     }
     length = static_cast<std::size_t>(n);
-    if (m_files.size() + m_kernelThreads.size() < m_maxOpenFiles)
+    if (m_budget.take())
         m_files.emplace(pid, OpenFile{fd, true});
     else
         ::close(fd);
@@ -415,38 +302,12 @@ const ProcStatus& ProcStatusCache::status(std::int32_t pid)
     const auto it = m_entries.find(pid);
     if (it != m_entries.end())
         return it->second;
-    if (const auto thread = m_kernelThreads.find(pid); thread != m_kernelThreads.end())
-        return thread->second.status;
     ProcStatus status;
     std::size_t length = 0;
     if (pid > 0 && readStatus(pid, length)) {
         status = parseProcStatus(std::string_view(m_buffer.data(), length));
-        rememberIfKernelThread(pid, status);
     }
     return m_entries.emplace(pid, std::move(status)).first->second;
-}
-
-std::vector<std::int32_t> LinuxProcessTable::scan() const
-{
-    std::vector<std::int32_t> pids;
-    DIR* dir = ::opendir("/proc");
-    if (dir == nullptr)
-        return pids;
-    while (dirent* entry = ::readdir(dir)) {
-        const char* name = entry->d_name;
-        std::int64_t value = 0;
-        bool numeric = *name != '\0';
-        for (const char* p = name; *p != '\0' && numeric; ++p) {
-            numeric = *p >= '0' && *p <= '9';
-            value = value * 10 + (*p - '0');
-            if (value > 0x7fffffff)
-                numeric = false;
-        }
-        if (numeric)
-            pids.push_back(static_cast<std::int32_t>(value));
-    }
-    ::closedir(dir);
-    return pids;
 }
 
 int LinuxProcessTable::listAllPids(std::int32_t* buffer, int bufferSize)
@@ -455,9 +316,10 @@ int LinuxProcessTable::listAllPids(std::int32_t* buffer, int bufferSize)
         // The counting call opens a pass; the filling call follows right away and is
         // answered from the same listing, so that the two agree.
         m_cache.beginPass();
+        m_roster.refresh();
         if (onPassStart)
             onPassStart();
-        m_listing = scan();
+        m_listing = m_roster.pids();
         m_haveListing = true;
         return static_cast<int>(std::min<std::size_t>(m_listing.size(), 0x7fffffff));
     }
@@ -466,7 +328,8 @@ int LinuxProcessTable::listAllPids(std::int32_t* buffer, int bufferSize)
         listing.swap(m_listing);
         m_haveListing = false;
     } else {
-        listing = scan();
+        m_roster.refresh();
+        listing = m_roster.pids();
     }
     const std::size_t capacity = static_cast<std::size_t>(bufferSize) / sizeof(std::int32_t);
     const std::size_t count = std::min(capacity, listing.size());
@@ -478,19 +341,10 @@ int LinuxProcessTable::name(std::int32_t pid, char* buffer, std::uint32_t buffer
 {
     if (buffer == nullptr || bufferSize == 0 || pid <= 0)
         return 0;
-    // The status read of this pass serves the name as well as the memory.
-    const ProcStatus& status = m_cache.status(pid);
-    std::string name;
-    if (status.readable && status.nameIsExact) {
-        name = status.name;
-    } else {
-        auto comm = readProcFile(pidPath(pid, "comm"), 256);
-        if (!comm)
-            return 0;
-        if (!comm->empty() && comm->back() == '\n')
-            comm->pop_back();
-        name = std::move(*comm);
-    }
+    auto known = m_roster.name(pid);
+    if (!known)
+        return 0;
+    std::string name = std::move(*known);
     // The kernel keeps 15 bytes of a name; argv[0] often has the whole of it.
     if (name.size() == 15) {
         if (const auto cmdline = readProcFile(pidPath(pid, "cmdline"), 4096)) {

@@ -4,7 +4,9 @@
 
 #pragma once
 
+#include "OpenFileBudget.h"
 #include "ProcStat.h"
+#include "ProcessRoster.h"
 #include "platform/ProcessTable.h"
 
 #include <chrono>
@@ -31,13 +33,13 @@ struct ProcStatus {
     bool nameIsExact = false;
 };
 
-// /proc/PID/status per process for the current pass over the process table, so that the
-// memory, name and parent lookups of one refresh read each file only once. The files stay
-// open between passes (re-read from offset 0), which spares an open and a close per
-// process and refresh, as long as the descriptor limit leaves ample room.
+// /proc/PID/status for the current pass over the process table: the memory of the
+// processes asked about (those that can count toward an app), each read once a pass. The
+// files stay open between passes (re-read from offset 0), which spares an open and a close
+// per process and refresh while the budget of kept files lasts.
 class ProcStatusCache {
 public:
-    ProcStatusCache();
+    explicit ProcStatusCache(OpenFileBudget& budget);
     ~ProcStatusCache();
     ProcStatusCache(const ProcStatusCache&) = delete;
     ProcStatusCache& operator=(const ProcStatusCache&) = delete;
@@ -49,30 +51,19 @@ public:
 
     // Status files read so far (for measurements).
     std::uint64_t reads() const { return m_reads; }
-    // Kernel threads currently answered without a read.
-    std::size_t knownKernelThreads() const { return m_kernelThreads.size(); }
 
 private:
     struct OpenFile {
         int fd = -1;
         bool used = false; // asked about in the current pass
     };
-    // A kernel thread has no memory and never becomes anything else; what its status said
-    // holds until it exits, which its pidfd tells without reading anything.
-    struct KernelThread {
-        int pidfd = -1;
-        ProcStatus status;
-    };
     bool readStatus(std::int32_t pid, std::size_t& length);
-    void rememberIfKernelThread(std::int32_t pid, const ProcStatus& status);
-    void forgetExitedKernelThreads();
+    void close(std::unordered_map<std::int32_t, OpenFile>::iterator it);
 
+    OpenFileBudget& m_budget;
     std::unordered_map<std::int32_t, ProcStatus> m_entries;
     std::unordered_map<std::int32_t, OpenFile> m_files;
-    std::unordered_map<std::int32_t, KernelThread> m_kernelThreads;
-    std::vector<std::int32_t> m_pollPids;
     std::uint64_t m_reads = 0;
-    std::size_t m_maxOpenFiles = 0;
     std::vector<char> m_buffer;
     std::chrono::steady_clock::time_point m_passStart{};
 };
@@ -107,10 +98,11 @@ private:
     std::unordered_map<std::int32_t, int> m_files;
 };
 
-// proc_listallpids & co. over /proc.
+// proc_listallpids & co. over /proc: the listing and the names from the roster, the
+// memory from the status files.
 class LinuxProcessTable : public ProcessTable {
 public:
-    explicit LinuxProcessTable(ProcStatusCache& cache) : m_cache(cache) {}
+    LinuxProcessTable(ProcessRoster& roster, ProcStatusCache& cache) : m_roster(roster), m_cache(cache) {}
 
     int listAllPids(std::int32_t* buffer, int bufferSize) override;
     int name(std::int32_t pid, char* buffer, std::uint32_t bufferSize) override;
@@ -121,8 +113,7 @@ public:
     std::function<void()> onPassStart;
 
 private:
-    std::vector<std::int32_t> scan() const;
-
+    ProcessRoster& m_roster;
     ProcStatusCache& m_cache;
     std::vector<std::int32_t> m_listing; // from the counting call, for the filling call
     bool m_haveListing = false;

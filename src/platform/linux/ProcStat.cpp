@@ -85,6 +85,7 @@ std::optional<ProcStat> parseProcStat(std::string_view text)
     if (pid == 0 || pid > 0x7fffffff)
         return std::nullopt;
     stat.pid = static_cast<std::int32_t>(pid);
+    stat.name.assign(text.substr(open + 2, close - open - 2));
 
     std::string_view rest = text.substr(close + 1); // " S 1 ..."
     if (rest.size() < 3 || rest[0] != ' ' || rest[2] != ' ')

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace stowly::linuxdesktop {
@@ -19,6 +20,7 @@ struct ProcStat {
     std::int32_t pgrp = 0;
     std::int32_t session = 0;
     std::uint64_t startTime = 0;
+    std::string name; // between the parentheses: the kernel's name, unescaped, at most 15 bytes
 
     // Exited, only its parent's wait is missing (or dying).
     bool isZombie() const { return state == 'Z' || state == 'X' || state == 'x'; }

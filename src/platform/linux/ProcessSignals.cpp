@@ -4,6 +4,7 @@
 
 #include "ProcessSignals.h"
 
+#include "Pidfd.h"
 #include "ProcFs.h"
 
 #include <QtGlobal>
@@ -18,29 +19,6 @@
 namespace stowly::linuxdesktop {
 
 namespace {
-
-int openPidfd(std::int32_t pid)
-{
-#ifdef SYS_pidfd_open
-    return static_cast<int>(::syscall(SYS_pidfd_open, pid, 0));
-#else
-    (void)pid;
-    errno = ENOSYS;
-    return -1;
-#endif
-}
-
-int sendThroughPidfd(int pidfd, int signal)
-{
-#ifdef SYS_pidfd_send_signal
-    return static_cast<int>(::syscall(SYS_pidfd_send_signal, pidfd, signal, nullptr, 0));
-#else
-    (void)pidfd;
-    (void)signal;
-    errno = ENOSYS;
-    return -1;
-#endif
-}
 
 class Fd {
 public:

@@ -17,7 +17,7 @@ namespace stowly::linuxdesktop {
 // entries, XDG autostart, QSettings and the desktop's URL handler. A backend adds the
 // window system's own three and hands the whole out as one Platform.
 struct SessionServices {
-    SessionServices() : processTable(procCache) {}
+    SessionServices() : roster(fileBudget), procCache(fileBudget), processTable(roster, procCache) {}
 
     // The lookups of one pass over the process table share one reading of the windows.
     template <typename PassAwareWorkspace>
@@ -29,6 +29,8 @@ struct SessionServices {
                         loginItems, urlOpener,     preferences, accessSettings};
     }
 
+    OpenFileBudget fileBudget;
+    ProcessRoster roster;
     ProcStatusCache procCache;
     DesktopEntries desktopEntries;
     LinuxProcessTable processTable;

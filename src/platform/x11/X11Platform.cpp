@@ -14,7 +14,7 @@ namespace stowly::x11 {
 
 struct X11Platform::Services {
     explicit Services(XConnection& x)
-        : workspace(x, shared.procCache, shared.desktopEntries), accessibility(x), trust(x), accessSettings(x)
+        : workspace(x, shared.roster, shared.desktopEntries), accessibility(x), trust(x), accessSettings(x)
     {
     }
 

@@ -25,8 +25,9 @@ constexpr auto kPassSnapshotLifetime = std::chrono::seconds(1);
 
 // ---- X11Workspace -------------------------------------------------------------------
 
-X11Workspace::X11Workspace(XConnection& x, linuxdesktop::ProcStatusCache& proc, linuxdesktop::DesktopEntries& entries)
-    : m_x(x), m_proc(proc), m_entries(entries), m_activeWindow(static_cast<std::int32_t>(::getpid()))
+X11Workspace::X11Workspace(XConnection& x, linuxdesktop::ProcessRoster& processes,
+                           linuxdesktop::DesktopEntries& entries)
+    : m_x(x), m_processes(processes), m_entries(entries), m_activeWindow(static_cast<std::int32_t>(::getpid()))
 {
 }
 
@@ -148,7 +149,7 @@ RunningApplicationRef X11Workspace::runningApplication(std::int32_t pid)
         m_ancestorMemo.clear();
     }
 
-    return linuxdesktop::owningApplication(pid, table->byPid, m_proc, m_passOpen ? &m_ancestorMemo : nullptr);
+    return linuxdesktop::owningApplication(pid, table->byPid, m_processes, m_passOpen ? &m_ancestorMemo : nullptr);
 }
 
 std::vector<const ClientWindow*> X11Workspace::windowsOf(const WindowSnapshot& snapshot, std::int32_t pid) const

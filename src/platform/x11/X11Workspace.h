@@ -22,7 +22,7 @@ namespace stowly::x11 {
 // The running applications of an EWMH desktop: one per process owning client windows.
 class X11Workspace : public Workspace, public linuxdesktop::ProcessWindows {
 public:
-    X11Workspace(XConnection& x, linuxdesktop::ProcStatusCache& proc, linuxdesktop::DesktopEntries& entries);
+    X11Workspace(XConnection& x, linuxdesktop::ProcessRoster& processes, linuxdesktop::DesktopEntries& entries);
 
     std::vector<RunningApplicationRef> runningApplications() override;
     RunningApplicationRef runningApplication(std::int32_t processIdentifier) override;
@@ -52,7 +52,7 @@ private:
     std::vector<xcb_window_t> windowIdsOf(const WindowSnapshot& snapshot, std::int32_t pid) const;
 
     XConnection& m_x;
-    linuxdesktop::ProcStatusCache& m_proc;
+    linuxdesktop::ProcessRoster& m_processes;
     linuxdesktop::DesktopEntries& m_entries;
     IconCache m_icons;
     linuxdesktop::ThemedIcons m_themedIcons;

@@ -1,0 +1,324 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
+#include "ProcessRoster.h"
+
+#include "Pidfd.h"
+#include "ProcStat.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/statfs.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+
+namespace stowly::linuxdesktop {
+
+namespace {
+
+constexpr long kProcSuperMagic = 0x9fa0;
+
+// /proc/loadavg's last field counts pids in the reader's own pid namespace; it speaks for
+// this /proc only where /proc belongs to that namespace (not in a sandbox that shows the
+// host's), and only when it is the kernel's file, not a container tool's stand-in.
+int openLastPidSource()
+{
+    char self[32];
+    const ssize_t n = ::readlink("/proc/self", self, sizeof self - 1);
+    if (n <= 0)
+        return -1;
+    self[n] = '\0';
+    if (std::strtol(self, nullptr, 10) != ::getpid())
+        return -1;
+    const int fd = ::open("/proc/loadavg", O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
+        return -1;
+    struct statfs fs {};
+    if (::fstatfs(fd, &fs) != 0 || fs.f_type != kProcSuperMagic) {
+        ::close(fd);
+        return -1;
+    }
+    return fd;
+}
+
+std::optional<std::uint64_t> readLastPid(int fd)
+{
+    char buffer[128];
+    ssize_t n;
+    do
+        n = ::pread(fd, buffer, sizeof buffer, 0);
+    while (n < 0 && errno == EINTR);
+    if (n <= 0)
+        return std::nullopt;
+    std::string_view text(buffer, static_cast<std::size_t>(n));
+    while (!text.empty() && (text.back() == '\n' || text.back() == ' '))
+        text.remove_suffix(1);
+    const std::size_t space = text.rfind(' ');
+    if (space == std::string_view::npos || space + 1 == text.size())
+        return std::nullopt;
+    std::uint64_t value = 0;
+    for (const char c : text.substr(space + 1)) {
+        if (c < '0' || c > '9' || value > UINT64_MAX / 10)
+            return std::nullopt;
+        value = value * 10 + static_cast<std::uint64_t>(c - '0');
+    }
+    return value;
+}
+
+// A pidfd polls readable once its process has exited; a failed poll counts as exited, so
+// that what was read is read again rather than trusted.
+bool hasExited(int pidfd)
+{
+    pollfd fd{pidfd, POLLIN, 0};
+    int ready;
+    do
+        ready = ::poll(&fd, 1, 0);
+    while (ready < 0 && errno == EINTR);
+    return ready != 0;
+}
+
+void closeIfOpen(int fd)
+{
+    if (fd >= 0)
+        ::close(fd);
+}
+
+} // namespace
+
+ProcessRoster::ProcessRoster(OpenFileBudget& budget) : m_budget(budget)
+{
+    if (m_budget.take())
+        m_loadavgFd = openLastPidSource();
+    if (m_loadavgFd < 0)
+        m_budget.giveBack();
+}
+
+ProcessRoster::~ProcessRoster()
+{
+    for (auto it = m_entries.begin(); it != m_entries.end();)
+        it = forget(it);
+    if (m_loadavgFd >= 0) {
+        ::close(m_loadavgFd);
+        m_budget.giveBack();
+    }
+}
+
+ProcessRoster::Entries::iterator ProcessRoster::forget(Entries::iterator it)
+{
+    if (it->second.pidfd >= 0) {
+        ::close(it->second.pidfd);
+        ::close(it->second.commFd);
+        m_budget.giveBack(2);
+    }
+    return m_entries.erase(it);
+}
+
+void ProcessRoster::forgetExited()
+{
+    std::vector<pollfd> fds;
+    m_scratch.clear();
+    for (const auto& [pid, entry] : m_entries) {
+        if (entry.pidfd >= 0) {
+            fds.push_back(pollfd{entry.pidfd, POLLIN, 0});
+            m_scratch.push_back(pid);
+        }
+    }
+    if (fds.empty())
+        return;
+    int ready;
+    do
+        ready = ::poll(fds.data(), fds.size(), 0);
+    while (ready < 0 && errno == EINTR);
+    if (ready == 0)
+        return;
+    for (std::size_t i = 0; i < fds.size(); ++i) {
+        if (ready < 0 || fds[i].revents != 0)
+            forget(m_entries.find(m_scratch[i]));
+    }
+}
+
+bool ProcessRoster::listingMayHaveGrown()
+{
+    if (m_loadavgFd < 0)
+        return true;
+    const auto last = readLastPid(m_loadavgFd);
+    const bool grown = !last || !m_lastPidSeen || *last != *m_lastPidSeen;
+    // Read before the listing: a pid handed out while /proc is read shows next pass.
+    m_lastPidSeen = last;
+    return grown;
+}
+
+bool ProcessRoster::rereadStat(std::int32_t pid, Entry& entry)
+{
+    ++m_statReads;
+    auto stat = readProcStat(pid);
+    if (!stat)
+        return false;
+    entry.name = std::move(stat->name);
+    entry.parent = stat->ppid;
+    return true;
+}
+
+bool ProcessRoster::rereadName(std::int32_t pid, Entry& entry)
+{
+    if (entry.pidfd < 0) {
+        // Nothing proves this is still the process read last pass: all of it afresh.
+        entry.serial = ++m_nextSerial;
+        return rereadStat(pid, entry);
+    }
+    char buffer[64];
+    ssize_t n;
+    do
+        n = ::pread(entry.commFd, buffer, sizeof buffer, 0);
+    while (n < 0 && errno == EINTR);
+    if (n <= 0)
+        return false; // reaped since the poll
+    std::string_view name(buffer, static_cast<std::size_t>(n));
+    if (name.back() == '\n')
+        name.remove_suffix(1);
+    if (name != entry.name)
+        entry.name.assign(name);
+    return true;
+}
+
+bool ProcessRoster::adopt(std::int32_t pid)
+{
+    Entry entry;
+    if (m_budget.take(2)) {
+        entry.pidfd = openPidfd(pid);
+        if (entry.pidfd >= 0) {
+            char path[32];
+            std::snprintf(path, sizeof path, "/proc/%d/comm", pid);
+            entry.commFd = ::open(path, O_RDONLY | O_CLOEXEC);
+        }
+        if (entry.pidfd < 0 || entry.commFd < 0) {
+            closeIfOpen(entry.pidfd);
+            closeIfOpen(entry.commFd);
+            entry.pidfd = entry.commFd = -1;
+            m_budget.giveBack(2);
+        }
+    }
+    // Read after the pidfd was opened: if the pidfd still says alive afterwards, what was
+    // read is that process's, not a later one's under the same pid.
+    const bool read = rereadStat(pid, entry);
+    if (!read || (entry.pidfd >= 0 && hasExited(entry.pidfd))) {
+        if (entry.pidfd >= 0) {
+            ::close(entry.pidfd);
+            ::close(entry.commFd);
+            m_budget.giveBack(2);
+        }
+        return false;
+    }
+    entry.serial = ++m_nextSerial;
+    m_entries.emplace(pid, std::move(entry));
+    return true;
+}
+
+void ProcessRoster::relist()
+{
+    ++m_listings;
+    m_scratch.clear();
+    DIR* dir = ::opendir("/proc");
+    if (dir == nullptr)
+        return;
+    while (dirent* item = ::readdir(dir)) {
+        const char* name = item->d_name;
+        std::int64_t value = 0;
+        bool numeric = *name != '\0';
+        for (const char* p = name; *p != '\0' && numeric; ++p) {
+            numeric = *p >= '0' && *p <= '9';
+            value = value * 10 + (*p - '0');
+            if (value > 0x7fffffff)
+                numeric = false;
+        }
+        if (numeric && value > 0)
+            m_scratch.push_back(static_cast<std::int32_t>(value));
+    }
+    ::closedir(dir);
+    std::sort(m_scratch.begin(), m_scratch.end());
+    for (auto it = m_entries.begin(); it != m_entries.end();) {
+        if (std::binary_search(m_scratch.begin(), m_scratch.end(), it->first))
+            ++it;
+        else
+            it = forget(it);
+    }
+    for (const std::int32_t pid : m_scratch)
+        if (m_entries.find(pid) == m_entries.end())
+            adopt(pid);
+}
+
+void ProcessRoster::checkParents()
+{
+    m_scratch.clear();
+    for (auto& [pid, entry] : m_entries) {
+        if (entry.pidfd < 0)
+            continue; // read whole this pass
+        bool known = false;
+        if (entry.parentSerial != 0) {
+            const auto parent = m_entries.find(entry.parent);
+            known = parent != m_entries.end() && parent->second.serial == entry.parentSerial;
+        } else {
+            known = pid == 1; // a namespace's first process never gets another parent
+        }
+        if (!known && !rereadStat(pid, entry)) {
+            m_scratch.push_back(pid);
+            continue;
+        }
+        // A parent outside the roster (another namespace's, or one read without a pidfd)
+        // cannot be watched: read again next pass.
+        const auto parent = m_entries.find(entry.parent);
+        entry.parentSerial =
+            parent != m_entries.end() && parent->second.pidfd >= 0 && parent->first != pid ? parent->second.serial : 0;
+    }
+    for (const std::int32_t pid : m_scratch)
+        forget(m_entries.find(pid));
+}
+
+void ProcessRoster::refresh()
+{
+    forgetExited();
+    const bool relisting = listingMayHaveGrown();
+    m_scratch.clear();
+    for (auto& [pid, entry] : m_entries)
+        if (!rereadName(pid, entry))
+            m_scratch.push_back(pid);
+    for (const std::int32_t pid : m_scratch)
+        forget(m_entries.find(pid));
+    if (relisting)
+        relist();
+    checkParents();
+    m_pids.clear();
+    m_pids.reserve(m_entries.size());
+    for (const auto& [pid, entry] : m_entries)
+        m_pids.push_back(pid);
+    std::sort(m_pids.begin(), m_pids.end());
+}
+
+std::optional<std::string> ProcessRoster::name(std::int32_t pid) const
+{
+    if (const auto it = m_entries.find(pid); it != m_entries.end())
+        return it->second.name;
+    ++m_statReads;
+    auto stat = readProcStat(pid);
+    if (!stat)
+        return std::nullopt;
+    return std::move(stat->name);
+}
+
+std::int32_t ProcessRoster::parent(std::int32_t pid) const
+{
+    if (const auto it = m_entries.find(pid); it != m_entries.end())
+        return it->second.parent;
+    ++m_statReads;
+    const auto stat = readProcStat(pid);
+    return stat ? stat->ppid : -1;
+}
+
+} // namespace stowly::linuxdesktop

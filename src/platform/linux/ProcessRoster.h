@@ -1,0 +1,84 @@
+// SPDX-FileCopyrightText: 2026 The Stowly developers
+//
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "OpenFileBudget.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace stowly::linuxdesktop {
+
+// The processes of the machine, kept from one pass over the process table to the next:
+// their pids, names and parents, each as a fresh read would give it. A pass re-reads only
+// what can change unseen. The name, because a process may execute another program: one
+// small read per process. The parent, only once the recorded one has exited, which its
+// pidfd tells without a read (the kernel hands an orphan to a new parent then, and only
+// then). The list of pids, only when the kernel has handed out a pid since the last
+// pass; exits show on the pidfds.
+class ProcessRoster {
+public:
+    explicit ProcessRoster(OpenFileBudget& budget);
+    ~ProcessRoster();
+    ProcessRoster(const ProcessRoster&) = delete;
+    ProcessRoster& operator=(const ProcessRoster&) = delete;
+
+    // Brings the roster up to date with the machine: the start of every pass.
+    void refresh();
+
+    // The processes as of the last refresh, in ascending order.
+    const std::vector<std::int32_t>& pids() const { return m_pids; }
+
+    // The kernel's name for the process (comm: at most 15 bytes, unescaped) as of the last
+    // refresh; a process the roster does not know is read now. nullopt when it is gone.
+    std::optional<std::string> name(std::int32_t pid) const;
+
+    // Its parent's pid (0 for a parent outside this pid namespace) as of the last refresh;
+    // a process the roster does not know is read now. -1 when it is gone.
+    std::int32_t parent(std::int32_t pid) const;
+
+    // For measurements and tests: readings of the whole /proc directory, and reads of
+    // /proc/PID/stat (where the parents come from), since the roster was made.
+    std::uint64_t listings() const { return m_listings; }
+    std::uint64_t statReads() const { return m_statReads; }
+    // Whether new processes show without reading /proc whole (the kernel's last pid is
+    // readable for this /proc).
+    bool seesNewPids() const { return m_loadavgFd >= 0; }
+
+private:
+    struct Entry {
+        int pidfd = -1;  // proves the process is the one first read; -1 over budget
+        int commFd = -1; // its name, re-read each pass; -1 over budget
+        std::string name;
+        std::int32_t parent = -1;
+        std::uint64_t serial = 0;       // new for every process, and every pass for one without a pidfd
+        std::uint64_t parentSerial = 0; // the parent's serial when parent was read; 0: read it each pass
+    };
+
+    void forgetExited();
+    bool listingMayHaveGrown();
+    void relist();
+    bool adopt(std::int32_t pid);
+    bool rereadName(std::int32_t pid, Entry& entry);
+    bool rereadStat(std::int32_t pid, Entry& entry);
+    void checkParents();
+    using Entries = std::unordered_map<std::int32_t, Entry>;
+    Entries::iterator forget(Entries::iterator it);
+
+    OpenFileBudget& m_budget;
+    Entries m_entries;
+    std::vector<std::int32_t> m_pids;
+    std::vector<std::int32_t> m_scratch;
+    std::uint64_t m_nextSerial = 0;
+    std::uint64_t m_listings = 0;
+    mutable std::uint64_t m_statReads = 0;
+    int m_loadavgFd = -1; // its last field: the pid the kernel handed out last
+    std::optional<std::uint64_t> m_lastPidSeen;
+};
+
+} // namespace stowly::linuxdesktop
