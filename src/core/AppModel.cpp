@@ -107,7 +107,7 @@ void AppModel::refreshPermissionStatus()
 
 void AppModel::refreshRunningApps()
 {
-    setRunningApps(m_minimizer.runningApps());
+    setRunningApps(m_minimizer.runningApps(nameCollator()));
 }
 
 void AppModel::refreshLaunchAtLoginStatus()
@@ -122,7 +122,18 @@ void AppModel::refreshSnapshot()
     // Only a false-to-true change speaks; a revoked permission leaves the message alone.
     if (m_hasAccessibilityPermission && !wasTrusted)
         setLastResultMessage(kGrantedMessage);
-    setRunningApps(m_minimizer.runningApps());
+    setRunningApps(m_minimizer.runningApps(nameCollator()));
+}
+
+const NameCollator& AppModel::nameCollator()
+{
+    // Made again when the user's locale changes rather than once a second.
+    const QLocale locale;
+    if (!m_nameCollator || locale != m_nameCollatorLocale) {
+        m_nameCollator.emplace(locale);
+        m_nameCollatorLocale = locale;
+    }
+    return *m_nameCollator;
 }
 
 void AppModel::startAutoRefresh()

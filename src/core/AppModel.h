@@ -9,6 +9,7 @@
 #include "WindowMinimizer.h"
 #include "platform/Platform.h"
 
+#include <QLocale>
 #include <QObject>
 #include <QString>
 
@@ -95,8 +96,13 @@ private:
     // The shape shared by the three per-app commands: one sentence either way, then a fresh list.
     void finishAppCommand(bool succeeded, const QString& message);
 
+    // The collator that orders the list, kept from one refresh to the next.
+    const NameCollator& nameCollator();
+
     Platform& m_platform;
     WindowMinimizer m_minimizer;
+    std::optional<NameCollator> m_nameCollator;
+    QLocale m_nameCollatorLocale;
     QTimer* m_refreshTimer = nullptr;
 
     bool m_hasAccessibilityPermission = false;

@@ -4,8 +4,6 @@
 
 #include "WindowMinimizer.h"
 
-#include "NameCollator.h"
-
 #include <algorithm>
 #include <array>
 #include <cstdlib>
@@ -36,20 +34,6 @@ QString fromUtf8(const std::optional<std::string>& text)
 QList<uint> unicodeOrderKey(const QString& text)
 {
     return text.normalized(QString::NormalizationForm_C).toUcs4();
-}
-
-// The collator of the user's locale, made again when that locale changes rather than
-// once a second.
-const NameCollator& collatorOfUserLocale()
-{
-    thread_local std::optional<NameCollator> collator;
-    thread_local QLocale madeFor;
-    const QLocale locale;
-    if (!collator || locale != madeFor) {
-        collator.emplace(locale);
-        madeFor = locale;
-    }
-    return *collator;
 }
 
 } // namespace
@@ -206,6 +190,11 @@ std::vector<RunningApplicationRef> WindowMinimizer::managedApps()
 
 std::vector<RunningAppInfo> WindowMinimizer::runningApps()
 {
+    return runningApps(NameCollator());
+}
+
+std::vector<RunningAppInfo> WindowMinimizer::runningApps(const NameCollator& collator)
+{
     // One walk over the process table serves every app of this call. It comes before the
     // apps are listed (a platform may answer both from one reading of the windows); the
     // memory is read after, and only for processes that can count toward one of them.
@@ -229,7 +218,6 @@ std::vector<RunningAppInfo> WindowMinimizer::runningApps()
         });
     }
 
-    const NameCollator& collator = collatorOfUserLocale(); // as a localized comparison would use
     std::stable_sort(infos.begin(), infos.end(), [&collator](const RunningAppInfo& a, const RunningAppInfo& b) {
         const std::uint64_t ma = a.memoryBytes.value_or(0);
         const std::uint64_t mb = b.memoryBytes.value_or(0);

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "MinimizeError.h"
+#include "NameCollator.h"
 #include "ProcessMemoryRecord.h"
 #include "RunningAppInfo.h"
 #include "platform/Accessibility.h"
@@ -31,8 +32,10 @@ public:
     std::int64_t minimizeAllWindows();
     std::int64_t closeAllWindows();
 
-    // The open regular apps, largest memory first, ties by name (case-insensitive).
+    // The open regular apps, largest memory first, ties by name (case-insensitive, as
+    // the user's locale collates; a caller that lists again and again passes its own).
     std::vector<RunningAppInfo> runningApps();
+    std::vector<RunningAppInfo> runningApps(const NameCollator& collator);
 
     std::int64_t hideAllApps();           // number asked to hide
     std::int64_t forceTerminateAllApps(); // number sent a forced termination
