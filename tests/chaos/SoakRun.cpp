@@ -30,6 +30,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <numeric>
@@ -78,16 +79,32 @@ long processCount()
     return count;
 }
 
-long openDescriptors()
+struct Descriptors {
+    long open = 0;
+    long keptForProcesses = 0; // /proc/PID files and pidfds the process walk keeps between ticks
+};
+
+Descriptors openDescriptors()
 {
-    long count = 0;
+    Descriptors count;
     if (DIR* d = opendir("/proc/self/fd")) {
-        while (dirent* e = readdir(d))
-            if (e->d_name[0] != '.')
-                ++count;
+        const int own = dirfd(d);
+        while (dirent* e = readdir(d)) {
+            if (e->d_name[0] == '.' || std::atoi(e->d_name) == own)
+                continue;
+            ++count.open;
+            char target[256];
+            const ssize_t n = readlinkat(own, e->d_name, target, sizeof target - 1);
+            if (n <= 0)
+                continue;
+            target[n] = '\0';
+            const bool perProcess = (std::strncmp(target, "/proc/", 6) == 0 && target[6] >= '0' && target[6] <= '9') ||
+                                    std::strcmp(target, "anon_inode:[pidfd]") == 0;
+            count.keptForProcesses += perProcess ? 1 : 0;
+        }
         closedir(d);
     }
-    return count - 1; // the directory being read
+    return count;
 }
 
 // XRes: the resources of the client whose ids start at our connection's base.
@@ -128,9 +145,9 @@ void writeSvg(const std::string& path, const std::vector<Sample>& samples)
     const Series series[] = {{"resident kB", "#1f77b4", &Sample::rssKb},
                              {"private kB", "#2ca02c", &Sample::privateKb},
                              {"heap in use kB", "#ff7f0e", &Sample::heapKb},
-                             // Raw descriptors follow the machine's process count (one kept-open
-                             // status file per process): what is beyond it is ours.
-                             {"descriptors beyond processes", "#d62728", &Sample::descriptorsBeyondProcesses},
+                             // Raw descriptors follow the machine's process count (the files and
+                             // pidfds the process walk keeps per process): the rest is ours.
+                             {"descriptors beyond per-process files", "#d62728", &Sample::descriptorsBeyondProcesses},
                              {"X resources", "#9467bd", &Sample::xResources}};
     const int width = 720, rowHeight = 120, left = 70, right = 20;
     std::ofstream out(path);
@@ -217,10 +234,11 @@ int soak(long ticks, int appCount, const std::string& csvPath, const std::string
             s.privateKb = statusKb("RssAnon");
             const struct mallinfo2 heap = mallinfo2();
             s.heapKb = static_cast<long>((heap.uordblks + heap.hblkhd) / 1024);
-            s.fds = openDescriptors();
+            const Descriptors descriptors = openDescriptors();
+            s.fds = descriptors.open;
             s.xResources = xResourcesOf(linux_.connection().get());
             s.processes = processCount();
-            s.descriptorsBeyondProcesses = s.fds - s.processes;
+            s.descriptorsBeyondProcesses = descriptors.open - descriptors.keptForProcesses;
             samples.push_back(s);
         }
     }
@@ -251,9 +269,9 @@ int soak(long ticks, int appCount, const std::string& csvPath, const std::string
     const Bound bounds[] = {{"resident kB", &Sample::rssKb, 2048},
                             {"private kB", &Sample::privateKb, 2048},
                             {"heap in use kB", &Sample::heapKb, 512},
-                            // One kept-open status file per process on the machine, whose
-                            // count other programs change: what is beyond it must stay flat.
-                            {"descriptors beyond processes", &Sample::descriptorsBeyondProcesses, 16},
+                            // The per-process files follow the machine's process count, which
+                            // other programs change: the rest must stay flat.
+                            {"descriptors beyond per-process files", &Sample::descriptorsBeyondProcesses, 16},
                             {"X resources", &Sample::xResources, 32}};
     bool grew = false;
     const double seconds = samples.empty() ? 0 : samples.back().seconds;
