@@ -36,6 +36,22 @@ QList<uint> unicodeOrderKey(const QString& text)
     return text.normalized(QString::NormalizationForm_C).toUcs4();
 }
 
+// Brackets the requests of one walk over many windows. The end comes however the walk
+// ends, so that what was accepted before a MinimizeError still goes out.
+class RequestBatch {
+public:
+    explicit RequestBatch(Accessibility& accessibility) : m_accessibility(accessibility)
+    {
+        m_accessibility.beginRequestBatch();
+    }
+    ~RequestBatch() { m_accessibility.endRequestBatch(); }
+    RequestBatch(const RequestBatch&) = delete;
+    RequestBatch& operator=(const RequestBatch&) = delete;
+
+private:
+    Accessibility& m_accessibility;
+};
+
 } // namespace
 
 WindowMinimizer::WindowMinimizer(Workspace& workspace, Accessibility& accessibility, ProcessTable& processTable)
@@ -48,6 +64,7 @@ WindowMinimizer::WindowMinimizer(Workspace& workspace, Accessibility& accessibil
 template <typename WindowOperation>
 std::int64_t WindowMinimizer::countOverManagedWindows(WindowOperation operation)
 {
+    const RequestBatch batch(m_accessibility);
     std::int64_t count = 0;
     for (const auto& app : managedApps()) {
         for (const auto& window : windows(*app)) {

@@ -67,6 +67,13 @@ public:
     virtual AXError setAttributeValue(const AXElementRef& element, const std::string& attribute,
                                       const AXValue& value) = 0;
     virtual AXError performAction(const AXElementRef& element, const std::string& action) = 0;
+
+    // A walk over many windows brackets its changes and actions with these, so that a
+    // backend may hold the requests back and send them together when the walk ends. Every
+    // begin is followed by one end, also when the walk stops early; what was accepted
+    // before that is sent. By default each request goes out as it is made.
+    virtual void beginRequestBatch() {}
+    virtual void endRequestBatch() {}
 };
 
 // AXIsProcessTrustedWithOptions with the single "AXTrustedCheckOptionPrompt" entry.

@@ -148,6 +148,16 @@ AXError FakeAccessibility::performAction(const AXElementRef& element, const std:
     return kAXErrorSuccess;
 }
 
+void FakeAccessibility::beginRequestBatch()
+{
+    log.emplace_back("batch:begin");
+}
+
+void FakeAccessibility::endRequestBatch()
+{
+    log.emplace_back("batch:end");
+}
+
 // ---- Process table ---------------------------------------------------------------
 
 FakeProcess& FakeProcessTable::add(std::int32_t pid, std::optional<std::string> name, std::uint64_t footprint)

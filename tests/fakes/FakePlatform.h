@@ -115,6 +115,9 @@ public:
     AXError copyAttributeValue(const AXElementRef& element, const std::string& attribute, AXValue& value) override;
     AXError setAttributeValue(const AXElementRef& element, const std::string& attribute, const AXValue& value) override;
     AXError performAction(const AXElementRef& element, const std::string& action) override;
+    // Logged as "batch:begin" and "batch:end", in line with the requests between them.
+    void beginRequestBatch() override;
+    void endRequestBatch() override;
 };
 
 class FakeTrust : public AccessibilityTrust {

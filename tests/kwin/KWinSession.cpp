@@ -48,23 +48,19 @@ std::string busAddress(const std::string& output)
 
 } // namespace
 
-KWinSession::KWinSession(const std::string& buildDir, bool grantSelf)
+KWinSession::KWinSession(const std::string& buildDir, bool grantSelf) : m_folder(buildDir, "stowly-kwin")
 {
-    char pattern[PATH_MAX];
-    std::snprintf(pattern, sizeof pattern, "%s/stowly-kwin-XXXXXX", buildDir.c_str());
-    const char* made = mkdtemp(pattern);
-    if (made == nullptr) {
+    if (!m_folder.ok()) {
         m_error = "cannot make a temporary folder";
         return;
     }
-    m_root = made;
-    const std::string runtime = m_root + "/runtime";
-    const std::string dataHome = m_root + "/data";
-    for (const std::string& dir : {runtime, dataHome, dataHome + "/applications", m_root + "/config"})
+    const std::string& runtime = m_folder.runtime();
+    const std::string dataHome = root() + "/data";
+    for (const std::string& dir : {dataHome, dataHome + "/applications", root() + "/config"})
         mkdir(dir.c_str(), 0700);
     setenv("XDG_RUNTIME_DIR", runtime.c_str(), 1);
     setenv("XDG_DATA_HOME", dataHome.c_str(), 1);
-    setenv("XDG_CONFIG_HOME", (m_root + "/config").c_str(), 1);
+    setenv("XDG_CONFIG_HOME", (root() + "/config").c_str(), 1);
     unsetenv("DISPLAY");
     unsetenv("WAYLAND_DISPLAY");
 
@@ -82,7 +78,7 @@ KWinSession::KWinSession(const std::string& buildDir, bool grantSelf)
     tb::writeFile(dataHome + "/applications/org.stowly.GtkTestWindow.desktop",
                   "[Desktop Entry]\nType=Application\nName=GTK Test Window\nExec=gtk_testwin.py\n");
 
-    const std::string busAddressFile = m_root + "/bus-address";
+    const std::string busAddressFile = root() + "/bus-address";
     m_dbus = tb::spawn({"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=1"}, busAddressFile);
     if (!tb::waitUntil([&] { return !busAddress(tb::readText(busAddressFile)).empty(); }, 10s)) {
         m_error = "dbus-daemon did not start";
@@ -92,15 +88,15 @@ KWinSession::KWinSession(const std::string& buildDir, bool grantSelf)
 
     // The installed binary carries file capabilities that a sandbox may refuse to exec; a copy
     // carries none.
-    const std::string kwin = m_root + "/kwin_wayland";
+    const std::string kwin = root() + "/kwin_wayland";
     tb::run("cp /usr/bin/kwin_wayland '" + kwin + "'");
     // KWin starts the positional program inside the session; it reports the Xwayland display.
-    const std::string reporter = m_root + "/report-display";
-    tb::writeFile(reporter, "#!/bin/sh\necho \"$DISPLAY\" > '" + m_root + "/x11-display'\nexec sleep 100000\n");
+    const std::string reporter = root() + "/report-display";
+    tb::writeFile(reporter, "#!/bin/sh\necho \"$DISPLAY\" > '" + root() + "/x11-display'\nexec sleep 100000\n");
     chmod(reporter.c_str(), 0755);
 
     m_socket = "stowly-kwin-" + std::to_string(getpid());
-    m_kwinLog = m_root + "/kwin.log";
+    m_kwinLog = root() + "/kwin.log";
     m_kwin = tb::spawn({kwin, "--virtual", "--no-lockscreen", "--xwayland", "--socket", m_socket, "--width", "1280",
                         "--height", "800", reporter},
                        m_kwinLog);
@@ -108,11 +104,11 @@ KWinSession::KWinSession(const std::string& buildDir, bool grantSelf)
         m_error = "kwin_wayland did not open its socket; its log: " + tb::readText(m_kwinLog);
         return;
     }
-    if (!tb::waitUntil([&] { return !firstLine(tb::readText(m_root + "/x11-display")).empty(); }, 20s)) {
+    if (!tb::waitUntil([&] { return !firstLine(tb::readText(root() + "/x11-display")).empty(); }, 20s)) {
         m_error = "Xwayland did not come up; KWin's log: " + tb::readText(m_kwinLog);
         return;
     }
-    m_x11Display = firstLine(tb::readText(m_root + "/x11-display"));
+    m_x11Display = firstLine(tb::readText(root() + "/x11-display"));
     // KWin answers on D-Bus once its scripting is up.
     if (!tb::waitUntil(
             [&] {
@@ -131,7 +127,7 @@ KWinSession::KWinSession(const std::string& buildDir, bool grantSelf)
 void KWinSession::grant(const std::string& program)
 {
     const std::string name = "org.stowly.Granted" + std::to_string(++m_scriptSerial) + ".desktop";
-    tb::writeFile(m_root + "/data/applications/" + name,
+    tb::writeFile(root() + "/data/applications/" + name,
                   "[Desktop Entry]\nType=Application\nName=Granted\nNoDisplay=true\nExec=" + program +
                       "\nX-KDE-Wayland-Interfaces=org_kde_plasma_window_management\n");
     std::this_thread::sleep_for(2s);
@@ -143,8 +139,8 @@ KWinSession::~KWinSession()
         tb::kill(pid);
     stopCompositor();
     tb::kill(m_dbus);
-    if (m_ok && std::getenv("STOWLY_KEEP_TEST_FILES") == nullptr)
-        tb::run("rm -rf '" + m_root + "'");
+    if (!m_ok)
+        m_folder.keep();
 }
 
 void KWinSession::stopCompositor()
@@ -162,7 +158,7 @@ int KWinSession::startNative(const std::string& title, const std::vector<std::st
     std::vector<std::string> argv{STOWLY_WLTESTWIN_PATH, "--title", title};
     argv.insert(argv.end(), extra.begin(), extra.end());
     setenv("QT_QPA_PLATFORM", "wayland", 1);
-    const int pid = tb::spawn(argv, m_root + "/apps.log");
+    const int pid = tb::spawn(argv, root() + "/apps.log");
     unsetenv("QT_QPA_PLATFORM");
     m_apps.push_back(pid);
     return pid;
@@ -171,7 +167,7 @@ int KWinSession::startNative(const std::string& title, const std::vector<std::st
 int KWinSession::startXterm(const std::string& title)
 {
     setenv("DISPLAY", m_x11Display.c_str(), 1);
-    const int pid = tb::spawn({"xterm", "-T", title, "-e", "sleep", "100000"}, m_root + "/apps.log");
+    const int pid = tb::spawn({"xterm", "-T", title, "-e", "sleep", "100000"}, root() + "/apps.log");
     unsetenv("DISPLAY");
     m_apps.push_back(pid);
     return pid;
@@ -180,7 +176,7 @@ int KWinSession::startXterm(const std::string& title)
 int KWinSession::startGtk(const std::string& title)
 {
     setenv("GDK_BACKEND", "wayland", 1);
-    const int pid = tb::spawn({"/usr/bin/python3", STOWLY_GTKTESTWIN_PATH, title}, m_root + "/apps.log");
+    const int pid = tb::spawn({"/usr/bin/python3", STOWLY_GTKTESTWIN_PATH, title}, root() + "/apps.log");
     unsetenv("GDK_BACKEND");
     m_apps.push_back(pid);
     return pid;
@@ -209,7 +205,7 @@ int KWinSession::startX11TestWindow(const std::string& title, const std::vector<
     std::vector<std::string> argv{STOWLY_TESTWIN_PATH, "--title", title};
     argv.insert(argv.end(), extra.begin(), extra.end());
     setenv("DISPLAY", m_x11Display.c_str(), 1);
-    const int pid = tb::spawn(argv, m_root + "/apps.log");
+    const int pid = tb::spawn(argv, root() + "/apps.log");
     unsetenv("DISPLAY");
     m_apps.push_back(pid);
     return pid;
@@ -218,7 +214,7 @@ int KWinSession::startX11TestWindow(const std::string& title, const std::vector<
 std::vector<ScriptedWindow> KWinSession::scriptedWindows()
 {
     const std::string marker = "stowly-probe-" + std::to_string(++m_scriptSerial);
-    const std::string script = m_root + "/" + marker + ".js";
+    const std::string script = root() + "/" + marker + ".js";
     tb::writeFile(script, "var list = workspace.clientList();\n"
                           "for (var i = 0; i < list.length; ++i) {\n"
                           "    var c = list[i];\n"

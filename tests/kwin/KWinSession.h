@@ -9,6 +9,8 @@
 // with Xwayland, and a desktop entry that grants this test program the window-management
 // interface. Every process started here is our child and is ended when the session ends.
 
+#include "SessionFolder.h"
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -37,7 +39,7 @@ public:
     int kwinPid() const { return m_kwin; }
     // The Xwayland server KWin started (its child); 0 when none runs.
     int xwaylandPid() const;
-    const std::string& root() const { return m_root; }
+    const std::string& root() const { return m_folder.root(); }
 
     // Writes a desktop entry that grants `program` the window-management interface. KWin
     // reads its desktop entries again at most every 1.5 s: this waits that long.
@@ -64,7 +66,7 @@ public:
 private:
     bool m_ok = false;
     std::string m_error;
-    std::string m_root;
+    SessionFolder m_folder;
     std::string m_socket;
     std::string m_x11Display;
     std::string m_kwinLog;

@@ -6,37 +6,28 @@
 
 #include "TestBed.h"
 
-#include <stdlib.h>
-#include <sys/stat.h>
-
-#include <climits>
-
 namespace stowly::kwintest {
 
 using namespace std::chrono_literals;
 namespace tb = stowly::testbed;
 
-SwaySession::SwaySession(const std::string& parentDir)
+SwaySession::SwaySession(const std::string& parentDir) : m_folder(parentDir, "sway")
 {
-    char pattern[PATH_MAX];
-    std::snprintf(pattern, sizeof pattern, "%s/sway-XXXXXX", parentDir.c_str());
-    const char* made = mkdtemp(pattern);
-    if (made == nullptr) {
+    if (!m_folder.ok()) {
         m_error = "cannot make a temporary folder";
         return;
     }
-    m_root = made;
-    const std::string runtime = m_root + "/runtime";
-    mkdir(runtime.c_str(), 0700);
+    const std::string& root = m_folder.root();
+    const std::string& runtime = m_folder.runtime();
     // sway starts Xwayland at once (not on the first X11 client) and tells a program it
     // starts both displays.
-    const std::string report = m_root + "/displays";
-    tb::writeFile(m_root + "/config",
+    const std::string report = root + "/displays";
+    tb::writeFile(root + "/config",
                   "xwayland force\nexec sh -c 'echo \"$WAYLAND_DISPLAY $DISPLAY\" > \"" + report + "\"'\n");
-    const std::string log = m_root + "/sway.log";
+    const std::string log = root + "/sway.log";
     m_sway = tb::spawn({"env", "-u", "WAYLAND_DISPLAY", "-u", "DISPLAY", "-u", "SWAYSOCK", "XDG_RUNTIME_DIR=" + runtime,
-                        "HOME=" + m_root, "WLR_BACKENDS=headless", "WLR_LIBINPUT_NO_DEVICES=1", "WLR_RENDERER=pixman",
-                        "unshare", "--user", "--map-user=1000", "--map-group=1000", "sway", "-c", m_root + "/config"},
+                        "HOME=" + root, "WLR_BACKENDS=headless", "WLR_LIBINPUT_NO_DEVICES=1", "WLR_RENDERER=pixman",
+                        "unshare", "--user", "--map-user=1000", "--map-group=1000", "sway", "-c", root + "/config"},
                        log);
     if (!tb::waitUntil([&] { return tb::readText(report).find(' ') != std::string::npos; }, 20s)) {
         m_error = "sway did not start a program with its displays; its log: " + tb::readText(log);
@@ -56,8 +47,6 @@ SwaySession::SwaySession(const std::string& parentDir)
 SwaySession::~SwaySession()
 {
     tb::kill(m_sway);
-    if (!m_root.empty() && std::getenv("STOWLY_KEEP_TEST_FILES") == nullptr)
-        tb::run("rm -rf '" + m_root + "'");
 }
 
 } // namespace stowly::kwintest

@@ -8,6 +8,8 @@
 // management this program speaks. sway refuses to run as root, so it runs in a user namespace
 // that maps our user to an ordinary one; its sockets stay ours outside it.
 
+#include "SessionFolder.h"
+
 #include <string>
 
 namespace stowly::kwintest {
@@ -28,7 +30,7 @@ public:
 private:
     bool m_ok = false;
     std::string m_error;
-    std::string m_root;
+    SessionFolder m_folder;
     std::string m_socketPath;
     std::string m_x11Display;
     int m_sway = -1;

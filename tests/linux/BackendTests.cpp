@@ -29,6 +29,7 @@
 #include <map>
 #include <set>
 #include <sstream>
+#include <thread>
 
 using namespace stowly;
 using namespace stowly::testbed;
@@ -599,6 +600,42 @@ TEST_F(Backend, MinimizeAndCloseThroughAccessibility)
     ASSERT_EQ(p.accessibility.copyAttributeValue(windows[0], kAXCloseButtonAttribute, button), kAXErrorSuccess);
     EXPECT_EQ(p.accessibility.performAction(std::get<AXElementRef>(button), kAXPressAction), kAXErrorSuccess);
     EXPECT_TRUE(waitUntil([&] { return processGone(term); }));
+}
+
+TEST_F(Backend, BatchedRequestsGoOutWhenTheOutermostBatchEnds)
+{
+    const int app = apps.startTestWindow("batch-me", {"--windows", "2"});
+    ASSERT_TRUE(waitUntil([&] { return wmctrlWindowsOf(app).size() == 2; }));
+    const auto ids = wmctrlWindowsOf(app);
+    const auto windows = axWindows(p.accessibility, app);
+    ASSERT_EQ(windows.size(), 2u);
+
+    p.accessibility.beginRequestBatch();
+    p.accessibility.beginRequestBatch();
+    for (const auto& window : windows)
+        EXPECT_EQ(p.accessibility.setAttributeValue(window, kAXMinimizedAttribute, true), kAXErrorSuccess);
+    p.accessibility.endRequestBatch();
+    // Still held by the outer batch: the window manager has not been told.
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    EXPECT_FALSE(isIconic(ids[0]));
+    EXPECT_FALSE(isIconic(ids[1]));
+    p.accessibility.endRequestBatch();
+    EXPECT_TRUE(waitUntil([&] { return isIconic(ids[0]) && isIconic(ids[1]); }));
+
+    // An end without a begin is harmless, and a request outside any batch goes out at once.
+    p.accessibility.endRequestBatch();
+    run("wmctrl -i -a " + std::to_string(ids[0]) + " 2>/dev/null");
+    ASSERT_TRUE(waitUntil([&] { return !isIconic(ids[0]); }));
+    const auto again = axWindows(p.accessibility, app);
+    ASSERT_EQ(again.size(), 2u);
+    for (const auto& window : again) {
+        AXValue minimized;
+        ASSERT_EQ(p.accessibility.copyAttributeValue(window, kAXMinimizedAttribute, minimized), kAXErrorSuccess);
+        if (!std::get<bool>(minimized)) {
+            EXPECT_EQ(p.accessibility.setAttributeValue(window, kAXMinimizedAttribute, true), kAXErrorSuccess);
+        }
+    }
+    EXPECT_TRUE(waitUntil([&] { return isIconic(ids[0]); }));
 }
 
 TEST_F(Backend, VanishedWindowsAnswerInvalidElement)

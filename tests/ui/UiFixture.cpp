@@ -6,6 +6,7 @@
 
 #include <QCoreApplication>
 #include <QGuiApplication>
+#include <QPalette>
 #include <QStyleHints>
 #include <QTest>
 
@@ -43,6 +44,24 @@ void UiFixture::start()
 {
     m_model = std::make_unique<AppModel>(platform);
     m_views = std::make_unique<StowlyViews>(*m_model, preferences);
+}
+
+void UiFixture::useDesktopScheme(bool dark)
+{
+    QPalette desktop;
+    desktop.setColor(QPalette::Window, dark ? QColor(0x2a, 0x2a, 0x2a) : QColor(0xef, 0xef, 0xef));
+    desktop.setColor(QPalette::WindowText, dark ? QColor(0xee, 0xee, 0xee) : QColor(0x10, 0x10, 0x10));
+    QGuiApplication::setPalette(desktop);
+}
+
+QQuickView& UiFixture::startPanelOfThreeAppsWithoutAccess()
+{
+    fake.trust.trusted = false;
+    addApp(101, "Terminal", 48ull << 20)->active = true;
+    addApp(102, "Notes", 3ull << 30)->hidden = true;
+    addApp(103, "Mail", 212ull << 20);
+    start();
+    return panel();
 }
 
 QQuickView& UiFixture::panel()

@@ -46,6 +46,13 @@ public:
     QQuickView& panel();    // shown and exposed
     QQuickView& settings(); // shown and exposed
 
+    // Sets the application palette a light or a dark desktop gives; the caller restores it.
+    // Set before start(), so that the views take their scheme from it.
+    static void useDesktopScheme(bool dark);
+    // Access not granted and three apps (one active, one hidden, one only open, of different
+    // sizes); then start() and the panel, shown.
+    QQuickView& startPanelOfThreeAppsWithoutAccess();
+
     static QQuickItem* find(QQuickView& view, const QString& objectName);
     static QQuickItem* findIn(QQuickItem* root, const QString& objectName);
     // Lets bindings and the scene settle.

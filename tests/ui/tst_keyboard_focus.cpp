@@ -443,17 +443,9 @@ private slots:
         // the panel's background, the status line beside it, and the orange access warning.
         const QPalette before = QGuiApplication::palette();
         for (const bool dark : {false, true}) {
-            QPalette desktop;
-            desktop.setColor(QPalette::Window, dark ? QColor(0x2a, 0x2a, 0x2a) : QColor(0xef, 0xef, 0xef));
-            desktop.setColor(QPalette::WindowText, dark ? QColor(0xee, 0xee, 0xee) : QColor(0x10, 0x10, 0x10));
-            QGuiApplication::setPalette(desktop);
+            UiFixture::useDesktopScheme(dark);
             UiFixture ui;
-            ui.fake.trust.trusted = false;
-            ui.addApp(101, "Front")->active = true;
-            ui.addApp(102, "Stowed")->hidden = true;
-            ui.addApp(103, "Other");
-            ui.start();
-            QQuickView& view = ui.panel();
+            QQuickView& view = ui.startPanelOfThreeAppsWithoutAccess();
             const QColor panel = view.rootObject()->property("color").value<QColor>();
             QCOMPARE(panel, dark ? ColorScheme::dark().windowBackground : ColorScheme::light().windowBackground);
             QStringList seen;

@@ -150,18 +150,10 @@ private slots:
     {
         const QPalette before = QGuiApplication::palette();
         for (const bool dark : {false, true}) {
-            QPalette desktop;
-            desktop.setColor(QPalette::Window, dark ? QColor(0x2a, 0x2a, 0x2a) : QColor(0xef, 0xef, 0xef));
-            desktop.setColor(QPalette::WindowText, dark ? QColor(0xee, 0xee, 0xee) : QColor(0x10, 0x10, 0x10));
-            QGuiApplication::setPalette(desktop);
+            UiFixture::useDesktopScheme(dark);
             UiFixture ui;
-            ui.fake.trust.trusted = false;
-            ui.addApp(101, "Terminal", 48ull << 20)->active = true;
-            ui.addApp(102, "Notes", 3ull << 30)->hidden = true;
-            ui.addApp(103, "Mail", 212ull << 20);
-            ui.start();
+            QQuickView& panel = ui.startPanelOfThreeAppsWithoutAccess();
             const ColorScheme& scheme = dark ? ColorScheme::dark() : ColorScheme::light();
-            QQuickView& panel = ui.panel();
             QCOMPARE(panel.rootObject()->property("color").value<QColor>(), scheme.windowBackground);
             save(panel, dark ? "panel_dark" : "panel_light");
             checkTextsFit(panel, 14, 340 - 14);

@@ -273,7 +273,10 @@ TEST_F(WindowOperations, MinimizeFailsWithMinus25204OnThirdWindowOfSecondApp)
         EXPECT_EQ(entry.find("Beta4"), std::string::npos) << entry;
         EXPECT_EQ(entry.find("Gamma"), std::string::npos) << entry;
     }
-    EXPECT_EQ(accessibility.log.back(), "set:Beta3:AXMinimized");
+    // The failing request is the last one; the batch still ends after it.
+    ASSERT_GE(accessibility.log.size(), 2u);
+    EXPECT_EQ(accessibility.log[accessibility.log.size() - 2], "set:Beta3:AXMinimized");
+    EXPECT_EQ(accessibility.log.back(), "batch:end");
 }
 
 TEST_F(WindowOperations, OtherSetFailuresCarryTheirOwnCode)
@@ -391,6 +394,82 @@ TEST_F(WindowOperations, CopyBoolAttributeReadsBooleansAndNothingElse)
     EXPECT_EQ(minimizer.copyBoolAttribute("AXHalf", w), std::nullopt);
     EXPECT_EQ(minimizer.copyBoolAttribute("AXNone", w), std::nullopt);
     EXPECT_EQ(minimizer.copyBoolAttribute("AXMissing", w), std::nullopt);
+}
+
+// ---- Request batches ---------------------------------------------------------------
+
+// Where a walk begins and ends its batch, and how many requests fall inside it.
+struct BatchShape {
+    std::vector<std::size_t> begins;
+    std::vector<std::size_t> ends;
+    std::size_t requestsOutside = 0;
+};
+
+BatchShape batchShape(const std::vector<std::string>& log)
+{
+    BatchShape shape;
+    int open = 0;
+    for (std::size_t i = 0; i < log.size(); ++i) {
+        if (log[i] == "batch:begin") {
+            shape.begins.push_back(i);
+            ++open;
+        } else if (log[i] == "batch:end") {
+            shape.ends.push_back(i);
+            --open;
+        } else if (open == 0 && (log[i].starts_with("set:") || log[i].starts_with("perform:"))) {
+            ++shape.requestsOutside;
+        }
+    }
+    return shape;
+}
+
+TEST_F(WindowOperations, EachBulkWalkIsOneBatchAroundAllItsRequests)
+{
+    appWithWindows(11, "Beta", 2);
+    appWithWindows(10, "Alpha", 3);
+    ASSERT_EQ(minimizer.minimizeAllWindows(), 5);
+    BatchShape shape = batchShape(accessibility.log);
+    EXPECT_EQ(shape.begins, (std::vector<std::size_t>{0}));
+    EXPECT_EQ(shape.ends, (std::vector<std::size_t>{accessibility.log.size() - 1}));
+    EXPECT_EQ(shape.requestsOutside, 0u);
+    EXPECT_EQ(minimizeWrites().size(), 5u);
+
+    accessibility.log.clear();
+    ASSERT_EQ(minimizer.closeAllWindows(), 5);
+    shape = batchShape(accessibility.log);
+    EXPECT_EQ(shape.begins, (std::vector<std::size_t>{0}));
+    EXPECT_EQ(shape.ends, (std::vector<std::size_t>{accessibility.log.size() - 1}));
+    EXPECT_EQ(shape.requestsOutside, 0u);
+    EXPECT_EQ(presses().size(), 5u);
+}
+
+TEST_F(WindowOperations, AWalkWithNothingToDoStillEndsItsBatch)
+{
+    EXPECT_EQ(minimizer.minimizeAllWindows(), 0);
+    EXPECT_EQ(accessibility.log, (std::vector<std::string>{"batch:begin", "batch:end"}));
+}
+
+TEST_F(WindowOperations, AFailedCloseWalkEndsItsBatchAfterTheRequestsItMade)
+{
+    auto alpha = appWithWindows(10, "Alpha", 2);
+    auto beta = appWithWindows(11, "Beta", 2);
+    closeButton(beta[0])->actionAnswers["AXPress"] = kAXErrorCannotComplete;
+    EXPECT_THROW(minimizer.closeAllWindows(), MinimizeError);
+    const BatchShape shape = batchShape(accessibility.log);
+    ASSERT_EQ(shape.begins.size(), 1u);
+    ASSERT_EQ(shape.ends.size(), 1u);
+    EXPECT_EQ(shape.ends[0], accessibility.log.size() - 1);
+    EXPECT_EQ(shape.requestsOutside, 0u);
+    EXPECT_EQ(presses(), (std::vector<std::string>{"perform:Alpha1.close:AXPress", "perform:Alpha2.close:AXPress",
+                                                   "perform:Beta1.close:AXPress"}));
+}
+
+TEST_F(WindowOperations, ASingleWindowRequestIsNotBatched)
+{
+    auto windows = appWithWindows(10, "Alpha", 1);
+    EXPECT_TRUE(minimizer.minimize(windows[0]));
+    EXPECT_TRUE(minimizer.close(windows[0]));
+    EXPECT_TRUE(logEntriesStartingWith(accessibility.log, "batch:").empty());
 }
 
 TEST(MinimizeError, DescriptionCarriesTheCodeWithItsSign)

@@ -67,13 +67,16 @@ AXError finish(XConnection& x)
 // destruction would have ended the watch), so a request to it needs no check of its own.
 // The server handles our requests in order, so whatever we read next already sees this
 // request delivered; the connection's own end does a round trip before it closes.
-// Each request is written out at once. Held back to the end of a walk, the iconify
-// requests for a client that opens and closes windows quickly made openbox keep one of
-// them in _NET_CLIENT_LIST after it was destroyed: the later a request arrives, the
-// likelier its window is being withdrawn as the window manager handles it.
-AXError finishWithoutWaiting(XConnection& x)
+// A batched request waits only for the rest of the walk that made it (its caller flushes
+// when the walk ends), never for a timer or for whoever still holds the walk's apps: held
+// that long, the iconify requests for a client that opens and closes windows quickly made
+// openbox keep one of them in _NET_CLIENT_LIST after it was destroyed, as the later a
+// request arrives, the likelier its window is being withdrawn as the window manager
+// handles it.
+AXError finishWithoutWaiting(XConnection& x, Delivery delivery)
 {
-    xcb_flush(x.get());
+    if (delivery == Delivery::now)
+        xcb_flush(x.get());
     return x.isConnected() ? kAXErrorSuccess : kAXErrorCannotComplete;
 }
 
@@ -87,11 +90,11 @@ bool knownToExist(XConnection& x, xcb_window_t window)
 
 } // namespace
 
-AXError requestIconify(XConnection& x, xcb_window_t window)
+AXError requestIconify(XConnection& x, xcb_window_t window, Delivery delivery)
 {
     if (knownToExist(x, window)) {
         x.sendToRoot(window, Atom::WM_CHANGE_STATE, {XCB_ICCCM_WM_STATE_ICONIC, 0, 0, 0, 0});
-        return finishWithoutWaiting(x);
+        return finishWithoutWaiting(x, delivery);
     }
     const Existence existence = checkWindow(x, window, false);
     if (existence.error != kAXErrorSuccess)
@@ -100,7 +103,7 @@ AXError requestIconify(XConnection& x, xcb_window_t window)
     return finish(x);
 }
 
-AXError requestClose(XConnection& x, xcb_window_t window)
+AXError requestClose(XConnection& x, xcb_window_t window, Delivery delivery)
 {
     const bool watched = knownToExist(x, window) && x.wmSupportsClose().has_value();
     bool wmSupportsClose = false;
@@ -129,7 +132,7 @@ AXError requestClose(XConnection& x, xcb_window_t window)
         event.data.data32[1] = time;
         xcb_send_event(x.get(), 0, window, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char*>(&event));
     }
-    return watched ? finishWithoutWaiting(x) : finish(x);
+    return watched ? finishWithoutWaiting(x, delivery) : finish(x);
 }
 
 AXError requestActivate(XConnection& x, const std::vector<xcb_window_t>& windows)

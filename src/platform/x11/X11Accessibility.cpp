@@ -4,7 +4,6 @@
 
 #include "X11Accessibility.h"
 
-#include "WindowRequests.h"
 #include "WindowTypes.h"
 
 #include <algorithm>
@@ -63,6 +62,20 @@ AXError X11Accessibility::windowsOf(std::int32_t pid, AXElementList& windows)
     return kAXErrorSuccess;
 }
 
+void X11Accessibility::beginRequestBatch()
+{
+    ++m_batchDepth;
+}
+
+void X11Accessibility::endRequestBatch()
+{
+    if (m_batchDepth == 0 || --m_batchDepth > 0)
+        return;
+    // Writes nothing when every request already went out with a round trip.
+    if (m_x.isConnected())
+        xcb_flush(m_x.get());
+}
+
 AXError X11Accessibility::usable(const Window& window)
 {
     if (const AXError error = usableOn(m_x, own(window).generation); error != kAXErrorSuccess)
@@ -111,7 +124,7 @@ AXError X11Accessibility::setMinimized(const Window& window, bool minimized)
     if (const AXError error = usableOn(m_x, own(window).generation); error != kAXErrorSuccess)
         return error;
     if (minimized)
-        return requestIconify(m_x, own(window).info->id);
+        return requestIconify(m_x, own(window).info->id, delivery());
     return requestActivate(m_x, {own(window).info->id});
 }
 
@@ -119,7 +132,7 @@ AXError X11Accessibility::press(const CloseButton& button)
 {
     if (const AXError error = usable(button); error != kAXErrorSuccess)
         return error;
-    return requestClose(m_x, own(button).window);
+    return requestClose(m_x, own(button).window, delivery());
 }
 
 bool X11AccessibilityTrust::isProcessTrusted(bool prompt)

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "WindowAccessibility.h"
+#include "WindowRequests.h"
 #include "WindowSnapshot.h"
 #include "XConnection.h"
 
@@ -19,6 +20,11 @@ class X11Accessibility : public linuxdesktop::WindowAccessibility {
 public:
     explicit X11Accessibility(XConnection& x) : m_x(x) {}
 
+    // Within a batch the requests to windows known to exist stay in xcb's buffer and go
+    // out in one write when the outermost batch ends.
+    void beginRequestBatch() override;
+    void endRequestBatch() override;
+
 protected:
     AXError windowsOf(std::int32_t pid, AXElementList& windows) override;
     AXError usable(const Window& window) override;
@@ -31,7 +37,10 @@ protected:
     AXError press(const CloseButton& button) override;
 
 private:
+    Delivery delivery() const { return m_batchDepth > 0 ? Delivery::batched : Delivery::now; }
+
     XConnection& m_x;
+    int m_batchDepth = 0;
 };
 
 // Trusted means: connected to an X server on which an EWMH window manager runs and
