@@ -404,7 +404,9 @@ def main():
             "subjects": [{"key": s.key, "label": s.label, "stowly": s.stowly} for s in subjects], "runs": {}}
     try:
         for i in range(REST_APPS):
-            bed.spawn_app(["xterm", "-geometry", f"60x10+{20 * i}+{40 + 15 * i}"])
+            # A shell without start-up files: the machine's own rc files (version managers
+            # and the like) would otherwise keep starting processes beside the measurement.
+            bed.spawn_app(["xterm", "-geometry", f"60x10+{20 * i}+{40 + 15 * i}", "-e", "bash", "--norc", "--noprofile"])
         bed.wait_for(lambda: len(bed.client_windows()) >= REST_APPS, "the xterms", 60)
         if process_count() < REST_PROCESSES:
             # Idle processes in one group, which the desktop ends as one.
