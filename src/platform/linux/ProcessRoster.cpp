@@ -122,7 +122,8 @@ ProcessRoster::Entries::iterator ProcessRoster::forget(Entries::iterator it)
 
 void ProcessRoster::forgetExited()
 {
-    std::vector<pollfd> fds;
+    std::vector<pollfd>& fds = m_pollFds; // kept: this runs every tick
+    fds.clear();
     m_scratch.clear();
     for (const auto& [pid, entry] : m_entries) {
         if (entry.pidfd >= 0) {
@@ -260,20 +261,20 @@ void ProcessRoster::checkParents()
     for (auto& [pid, entry] : m_entries) {
         if (entry.pidfd < 0)
             continue; // read whole this pass
-        bool known = false;
-        if (entry.parentSerial != 0) {
-            const auto parent = m_entries.find(entry.parent);
-            known = parent != m_entries.end() && parent->second.serial == entry.parentSerial;
-        } else {
-            known = pid == 1; // a namespace's first process never gets another parent
-        }
-        if (!known && !rereadStat(pid, entry)) {
-            m_scratch.push_back(pid);
-            continue;
+        auto parent = m_entries.find(entry.parent);
+        // A namespace's first process never gets another parent.
+        const bool known = entry.parentSerial != 0
+                               ? parent != m_entries.end() && parent->second.serial == entry.parentSerial
+                               : pid == 1;
+        if (!known) {
+            if (!rereadStat(pid, entry)) {
+                m_scratch.push_back(pid);
+                continue;
+            }
+            parent = m_entries.find(entry.parent);
         }
         // A parent outside the roster (another namespace's, or one read without a pidfd)
         // cannot be watched: read again next pass.
-        const auto parent = m_entries.find(entry.parent);
         entry.parentSerial =
             parent != m_entries.end() && parent->second.pidfd >= 0 && parent->first != pid ? parent->second.serial : 0;
     }

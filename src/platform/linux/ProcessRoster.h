@@ -6,6 +6,8 @@
 
 #include "OpenFileBudget.h"
 
+#include <poll.h>
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -74,6 +76,7 @@ private:
     Entries m_entries;
     std::vector<std::int32_t> m_pids;
     std::vector<std::int32_t> m_scratch;
+    std::vector<pollfd> m_pollFds;
     std::uint64_t m_nextSerial = 0;
     std::uint64_t m_listings = 0;
     mutable std::uint64_t m_statReads = 0;
