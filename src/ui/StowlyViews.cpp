@@ -6,6 +6,7 @@
 
 #include "ActionTileAccessible.h"
 #include "AppIconImageProvider.h"
+#include "FontEngineRelease.h"
 #include "HeapRelease.h"
 #include "PanelViewModel.h"
 #include "RunningAppsListModel.h"
@@ -130,6 +131,8 @@ void StowlyViews::releasePanelResources()
             delete m_engine;
             m_engine = nullptr;
             m_views.clear();
+            // With no view left, no text holds on to the engines the views' fonts used.
+            releaseFontEngines();
         }
     }
     returnFreedHeapToSystem();

@@ -4,7 +4,8 @@
 
 // What the panel costs while it is closed: no view-model signals and no icon conversion on
 // the model's refreshes, its view destroyed and its rows and icons dropped a moment after
-// it closed, and an icon cache that never holds more than the listed apps.
+// it closed, its fonts' engines dropped with it, and an icon cache that never holds more
+// than the listed apps.
 #include "AppIconCache.h"
 #include "PanelViewModel.h"
 #include "PanelWindow.h"
@@ -15,6 +16,7 @@
 #include <QQuickView>
 #include <QSignalSpy>
 #include <QTest>
+#include <QtGui/private/qfont_p.h>
 
 #include <memory>
 
@@ -125,6 +127,33 @@ private slots:
         QCOMPARE(&panel.view(), view);
         QCOMPARE(released.size(), 1);
         QVERIFY(testing::UiFixture::find(panel.view(), QStringLiteral("menuBarContentView")) != nullptr);
+    }
+
+    void aReleasedPanelTakesItsFontEnginesWithIt()
+    {
+        testing::UiFixture ui;
+        ui.addApp(501, "Alpha");
+        ui.start();
+        TrayController tray(ui.views());
+        PanelWindow& panel = tray.panelWindow();
+        panel.setReleaseDelay(std::chrono::milliseconds(20));
+        QSignalSpy released(&panel, &PanelWindow::released);
+        const QFontCache::EngineCache& engines = QFontCache::instance()->engineCache;
+
+        tray.togglePanel();
+        QVERIFY(QTest::qWaitForWindowExposed(&panel.view()));
+        panel.view().grabWindow(); // the text is laid out and drawn
+        QVERIFY(!engines.isEmpty());
+
+        panel.hide();
+        QVERIFY(released.wait(2000));
+        QVERIFY(engines.isEmpty());
+
+        // The next panel opens them again and draws its text.
+        tray.togglePanel();
+        QVERIFY(QTest::qWaitForWindowExposed(&panel.view()));
+        QVERIFY(!panel.view().grabWindow().isNull());
+        QVERIFY(!engines.isEmpty());
     }
 
     void theIconCacheHoldsOnlyTheListedApps()
