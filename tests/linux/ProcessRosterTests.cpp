@@ -193,5 +193,35 @@ TEST(ProcessRoster, StaysRightBeyondItsBudgetOfKeptFilesAndGivesThemBack)
     EXPECT_EQ(budget.left(), 5u);
 }
 
+// Kernel threads have no memory and no windows: the roster keeps them out of its list,
+// and reads none of them again from pass to pass.
+TEST(ProcessRoster, LeavesKernelThreadsOutAndDoesNotReadThemAgain)
+{
+    OpenFileBudget budget;
+    ProcessRoster roster(budget);
+    roster.refresh();
+    std::size_t kernelThreads = 0;
+    for (const int pid : tb::allProcesses()) {
+        const auto fresh = linuxdesktop::readProcStat(pid);
+        if (!fresh || !fresh->isKernelThread())
+            continue;
+        ++kernelThreads;
+        EXPECT_FALSE(listed(roster, pid)) << pid << " " << fresh->name;
+        // Asked by pid, it is read afresh, as any process the roster does not list.
+        const auto before = roster.statReads();
+        EXPECT_TRUE(roster.name(pid).has_value());
+        EXPECT_EQ(roster.statReads(), before + 1);
+    }
+    for (const int pid : roster.pids()) {
+        const auto fresh = linuxdesktop::readProcStat(pid);
+        EXPECT_FALSE(fresh && fresh->isKernelThread()) << pid;
+    }
+    // This process and its parent are listed: only kernel threads are left out.
+    EXPECT_TRUE(listed(roster, static_cast<int>(getpid())));
+    EXPECT_TRUE(listed(roster, static_cast<int>(getppid())));
+    if (kernelThreads == 0)
+        GTEST_SKIP() << "no kernel threads are visible in this pid namespace";
+}
+
 } // namespace
 } // namespace stowly

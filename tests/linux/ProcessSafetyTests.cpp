@@ -101,6 +101,19 @@ TEST(ProcStat, ParsesNamesWithSpacesAndParentheses)
     EXPECT_EQ(stat->pgrp, 4242);
     EXPECT_EQ(stat->session, 17);
     EXPECT_EQ(stat->startTime, 987654321u);
+    EXPECT_EQ(stat->flags, 4194304u);
+    EXPECT_FALSE(stat->isKernelThread());
+}
+
+TEST(ProcStat, TellsAKernelThreadByItsFlags)
+{
+    const auto stat = linuxdesktop::parseProcStat(
+        "2 (kthreadd) S 0 0 0 0 -1 2129984 0 0 0 0 0 1 0 0 20 0 1 0 3 0 0 18446744073709551615 0 0 0 0 0 0 0 "
+        "2147483647 0 1 0 0 17 0 0 0 0 0 0 0 0 0 0 0 0 0 0\n");
+    ASSERT_TRUE(stat);
+    EXPECT_EQ(stat->ppid, 0);
+    EXPECT_TRUE(stat->isKernelThread());
+    EXPECT_EQ(stat->startTime, 3u);
 }
 
 TEST(ProcStat, RefusesWhatIsNotAStatLine)

@@ -92,10 +92,13 @@ std::optional<ProcStat> parseProcStat(std::string_view text)
         return std::nullopt;
     stat.state = rest[1];
     rest.remove_prefix(2);
-    // Fields 4 to 6: ppid, pgrp, session; 7 to 21 are skipped; 22 is the start time.
+    // Fields 4 to 6: ppid, pgrp, session; 7 and 8 are skipped; 9 is the flags; 10 to 21
+    // are skipped; 22 is the start time.
     if (!takeNumber(rest, stat.ppid) || !takeNumber(rest, stat.pgrp) || !takeNumber(rest, stat.session))
         return std::nullopt;
-    for (int field = 7; field <= 21; ++field)
+    if (!skipField(rest) || !skipField(rest) || !takeNumber(rest, stat.flags))
+        return std::nullopt;
+    for (int field = 10; field <= 21; ++field)
         if (!skipField(rest))
             return std::nullopt;
     if (!takeNumber(rest, stat.startTime))

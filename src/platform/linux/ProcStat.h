@@ -19,11 +19,14 @@ struct ProcStat {
     std::int32_t ppid = 0;
     std::int32_t pgrp = 0;
     std::int32_t session = 0;
+    std::uint64_t flags = 0; // the kernel's PF_* flags of the task
     std::uint64_t startTime = 0;
     std::string name; // between the parentheses: the kernel's name, unescaped, at most 15 bytes
 
     // Exited, only its parent's wait is missing (or dying).
     bool isZombie() const { return state == 'Z' || state == 'X' || state == 'x'; }
+    // A thread of the kernel's own (PF_KTHREAD): no memory, no windows, never an app's.
+    bool isKernelThread() const { return (flags & 0x00200000u) != 0; }
 };
 
 // Parses one /proc/PID/stat text. The name between the parentheses may hold anything, a

@@ -110,13 +110,20 @@ ProcessRoster::~ProcessRoster()
     }
 }
 
+void ProcessRoster::closeFiles(Entry& entry)
+{
+    for (int* fd : {&entry.pidfd, &entry.commFd}) {
+        if (*fd >= 0) {
+            ::close(*fd);
+            m_budget.giveBack();
+            *fd = -1;
+        }
+    }
+}
+
 ProcessRoster::Entries::iterator ProcessRoster::forget(Entries::iterator it)
 {
-    if (it->second.pidfd >= 0) {
-        ::close(it->second.pidfd);
-        ::close(it->second.commFd);
-        m_budget.giveBack(2);
-    }
+    closeFiles(it->second);
     return m_entries.erase(it);
 }
 
@@ -164,6 +171,7 @@ bool ProcessRoster::rereadStat(std::int32_t pid, Entry& entry)
         return false;
     entry.name = std::move(stat->name);
     entry.parent = stat->ppid;
+    entry.kernelThread = stat->isKernelThread();
     return true;
 }
 
@@ -174,6 +182,8 @@ bool ProcessRoster::rereadName(std::int32_t pid, Entry& entry)
         entry.serial = ++m_nextSerial;
         return rereadStat(pid, entry);
     }
+    if (entry.kernelThread)
+        return true; // unlisted: its pidfd alone says whether it is still there
     char buffer[64];
     ssize_t n;
     do
@@ -210,12 +220,13 @@ bool ProcessRoster::adopt(std::int32_t pid)
     // read is that process's, not a later one's under the same pid.
     const bool read = rereadStat(pid, entry);
     if (!read || (entry.pidfd >= 0 && hasExited(entry.pidfd))) {
-        if (entry.pidfd >= 0) {
-            ::close(entry.pidfd);
-            ::close(entry.commFd);
-            m_budget.giveBack(2);
-        }
+        closeFiles(entry);
         return false;
+    }
+    if (entry.kernelThread && entry.commFd >= 0) {
+        ::close(entry.commFd); // never read again
+        m_budget.giveBack();
+        entry.commFd = -1;
     }
     entry.serial = ++m_nextSerial;
     m_entries.emplace(pid, std::move(entry));
@@ -259,8 +270,8 @@ void ProcessRoster::checkParents()
 {
     m_scratch.clear();
     for (auto& [pid, entry] : m_entries) {
-        if (entry.pidfd < 0)
-            continue; // read whole this pass
+        if (entry.pidfd < 0 || entry.kernelThread)
+            continue; // read whole this pass, or unlisted
         auto parent = m_entries.find(entry.parent);
         // A namespace's first process never gets another parent.
         const bool known = entry.parentSerial != 0
@@ -298,13 +309,15 @@ void ProcessRoster::refresh()
     m_pids.clear();
     m_pids.reserve(m_entries.size());
     for (const auto& [pid, entry] : m_entries)
-        m_pids.push_back(pid);
+        if (!entry.kernelThread)
+            m_pids.push_back(pid);
     std::sort(m_pids.begin(), m_pids.end());
 }
 
 std::optional<std::string> ProcessRoster::name(std::int32_t pid) const
 {
-    if (const auto it = m_entries.find(pid); it != m_entries.end())
+    // A kernel thread's name changes with its work and is not kept up to date.
+    if (const auto it = m_entries.find(pid); it != m_entries.end() && !it->second.kernelThread)
         return it->second.name;
     ++m_statReads;
     auto stat = readProcStat(pid);

@@ -22,7 +22,9 @@ namespace stowly::linuxdesktop {
 // small read per process. The parent, only once the recorded one has exited, which its
 // pidfd tells without a read (the kernel hands an orphan to a new parent then, and only
 // then). The list of pids, only when the kernel has handed out a pid since the last
-// pass; exits show on the pidfds.
+// pass; exits show on the pidfds. Kernel threads are left out of the list: they have no
+// memory and no windows, so no app can count them; each is kept by its pidfd alone, so
+// that it is neither read again nor taken for new.
 class ProcessRoster {
 public:
     explicit ProcessRoster(OpenFileBudget& budget);
@@ -33,7 +35,7 @@ public:
     // Brings the roster up to date with the machine: the start of every pass.
     void refresh();
 
-    // The processes as of the last refresh, in ascending order.
+    // The processes as of the last refresh, kernel threads left out, in ascending order.
     const std::vector<std::int32_t>& pids() const { return m_pids; }
 
     // The kernel's name for the process (comm: at most 15 bytes, unescaped) as of the last
@@ -60,6 +62,7 @@ private:
         std::int32_t parent = -1;
         std::uint64_t serial = 0;       // new for every process, and every pass for one without a pidfd
         std::uint64_t parentSerial = 0; // the parent's serial when parent was read; 0: read it each pass
+        bool kernelThread = false;
     };
 
     void forgetExited();
@@ -68,6 +71,7 @@ private:
     bool adopt(std::int32_t pid);
     bool rereadName(std::int32_t pid, Entry& entry);
     bool rereadStat(std::int32_t pid, Entry& entry);
+    void closeFiles(Entry& entry);
     void checkParents();
     using Entries = std::unordered_map<std::int32_t, Entry>;
     Entries::iterator forget(Entries::iterator it);
