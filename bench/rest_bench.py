@@ -104,8 +104,9 @@ def icon_of(driver):
 class Subject:
     """One program on the tray, started fresh for each measurement."""
 
-    def __init__(self, key, label, argv, env=None, stowly=False):
+    def __init__(self, key, label, argv, env=None, stowly=False, tray=True):
         self.key, self.label, self.argv, self.env, self.stowly = key, label, argv, env or {}, stowly
+        self.tray = tray   # False: a program without an icon, measured at rest only
 
     def start(self, bed, tag):
         env = {k: v for k, v in bed.env.items() if k not in OUR_ENV_DROP}
@@ -119,6 +120,8 @@ class Subject:
         process = bed.spawn(tag, self.argv, env=env)
         driver = Stowly(bed, self.argv[0])   # finds the tray icon by pid the same way
         driver.process = process
+        if not self.tray:
+            return driver
         try:
             bed.wait_for(lambda: icon_of(driver) is not None, f"{self.label}'s tray icon", 15)
         except TimeoutError:
@@ -143,7 +146,7 @@ class Subject:
             # A click right after the panel lost the focus counts as the closing click.
             time.sleep(0.35)
             return
-        if driver.process.pid not in _icons and icon_of(driver) is None:
+        if not self.tray or (driver.process.pid not in _icons and icon_of(driver) is None):
             return
         click_icon(bed, driver, "3")
         time.sleep(0.3)
@@ -352,6 +355,15 @@ def verdict(data):
         lambda v: f"{v:.1f} MiB")
     row("CPU ≤ 0.1 % of one core", lambda st: (medof(soft, st, "cpu_percent") <= 0.1, medof(soft, st, "cpu_percent")),
         lambda v: f"{v:.3f} %")
+    floor = runs.get("namefloor", [])
+    if floor:
+        def to_floor(state):
+            return statistics.median(m[state]["cpu_percent"] / f[state]["cpu_percent"]
+                                     for m, f in zip(soft, floor) if f[state]["cpu_percent"] > 0)
+        lines += ["", "CPU at rest against the floor measured in the same rounds (every process's name read once "
+                  f"a second, which an exact list needs at least): the floor took {medof(floor, 'never', 'cpu_percent'):.3f} % "
+                  f"of one core; Stowly took {to_floor('never'):.2f}× the floor never opened and "
+                  f"{to_floor('after'):.2f}× after the cycles (medians of the per-round ratios)."]
     if gl:
         d_rss = mib(medof(gl, "after", "rss_kb") - medof(soft, "after", "rss_kb"))
         d_anon = mib(medof(gl, "after", "anon_kb") - medof(soft, "after", "anon_kb"))
@@ -377,6 +389,7 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--stowly", required=True)
     parser.add_argument("--baretray", required=True)
+    parser.add_argument("--name-floor", default=None, help="bench/name_floor.c, built")
     parser.add_argument("--rounds", type=int, default=3)
     parser.add_argument("--rest-seconds", type=float, default=20)
     parser.add_argument("--settle", type=float, default=5)
@@ -401,6 +414,9 @@ def main():
         subjects.append(Subject("opengl", "Stowly, OpenGL (Mesa)", [args.stowly],
                                 {"QT_QUICK_BACKEND": "rhi", "QSG_RHI_BACKEND": "opengl"}, stowly=True))
     subjects.append(Subject("bare", "bare Qt tray icon (QSystemTrayIcon + menu)", [args.baretray]))
+    if args.name_floor:
+        subjects.append(Subject("namefloor", "floor: every process's name read once a second (no tray icon)",
+                                [args.name_floor], tray=False))
     if shutil.which("parcellite"):
         subjects.append(Subject("parcellite", "parcellite (GTK 2 clipboard tray app)", ["parcellite", "-n"]))
 
