@@ -110,8 +110,7 @@ std::vector<RunningApplicationRef> KWinWorkspace::listApplications()
     for (const std::int32_t pid : order) {
         linuxdesktop::AppRecord state;
         state.pid = pid;
-        if (const auto stat = linuxdesktop::readProcStat(pid))
-            state.startTime = stat->startTime;
+        state.startTime = m_liveness.startTime(pid);
         bool allHidden = true;
         for (const PlasmaWindowInfo* window : byPid[pid]) {
             if (!window->has(WindowState::skipTaskbar))

@@ -8,7 +8,7 @@
 #include "HiddenWindowRecord.h"
 #include "ListedApplication.h"
 #include "PlasmaWindowManagement.h"
-#include "ProcFs.h"
+#include "ProcessLiveness.h"
 #include "ThemedIcons.h"
 #include "platform/Workspace.h"
 
@@ -38,7 +38,10 @@ public:
     std::vector<PlasmaWindowInfo> currentWindows();
     std::vector<PlasmaWindowInfo> windowsOf(std::int32_t pid);
 
-    bool isProcessAlive(std::int32_t pid) override { return m_liveness.isAlive(pid); }
+    bool isProcessAlive(std::int32_t pid, std::optional<std::uint64_t> startTime) override
+    {
+        return m_liveness.isAlive(pid, startTime);
+    }
     bool hideProcess(std::int32_t pid) override;
     bool activateProcess(std::int32_t pid) override;
     bool closeProcessWindows(std::int32_t pid) override;

@@ -44,7 +44,8 @@ class ProcessWindows {
 public:
     virtual ~ProcessWindows() = default;
 
-    virtual bool isProcessAlive(std::int32_t pid) = 0;
+    // A process has the pid and is not a zombie; with a start time, only that very process.
+    virtual bool isProcessAlive(std::int32_t pid, std::optional<std::uint64_t> startTime) = 0;
     // The start time of the process a command for `pid` is meant for: the one the latest
     // listing showed under that pid, else `seen` (what the command's own lookup saw).
     std::optional<std::uint64_t> intendedStartTime(std::int32_t pid, std::optional<std::uint64_t> seen) const
@@ -67,7 +68,8 @@ public:
     ListedApplication(ProcessWindows& windows, AppRecord record) : m_windows(windows), m_record(std::move(record)) {}
 
     std::int32_t processIdentifier() const override { return m_record.pid; }
-    bool isTerminated() const override { return !m_windows.isProcessAlive(m_record.pid); }
+    // The listed process: a newcomer given its pid does not bring it back.
+    bool isTerminated() const override { return !m_windows.isProcessAlive(m_record.pid, m_record.startTime); }
     ActivationPolicy activationPolicy() const override { return m_record.policy; }
     std::optional<std::string> localizedName() const override { return m_record.name; }
     std::optional<std::string> bundleIdentifier() const override { return m_record.bundleId; }

@@ -74,30 +74,6 @@ ProcStatus parseProcStatus(std::string_view text);
 // The process exists and is not a zombie.
 bool processIsAlive(std::int32_t pid);
 
-// The same question for the processes asked about again and again (the apps of the
-// workspace): each through its own /proc/PID/stat kept open, so that asking costs one
-// read. A file stays bound to the process it was opened for: once that process is gone
-// the read fails, even if its pid has been given to a new process since.
-class ProcessLiveness {
-public:
-    ProcessLiveness() = default;
-    ~ProcessLiveness();
-    ProcessLiveness(const ProcessLiveness&) = delete;
-    ProcessLiveness& operator=(const ProcessLiveness&) = delete;
-
-    bool isAlive(std::int32_t pid);
-    // Its /proc/PID/stat through the same kept file: nullopt once that process is gone.
-    std::optional<ProcStat> stat(std::int32_t pid);
-    // Closes the files of every other process.
-    void keepOnly(const std::vector<std::int32_t>& pids);
-
-private:
-    // The text of the kept file, read again; empty when the process is gone.
-    std::string_view readKept(std::int32_t pid, char* buffer, std::size_t size);
-
-    std::unordered_map<std::int32_t, int> m_files;
-};
-
 // proc_listallpids & co. over /proc: the listing and the names from the roster, the
 // memory from the status files.
 class LinuxProcessTable : public ProcessTable {

@@ -71,8 +71,7 @@ X11Workspace::buildTable(const std::shared_ptr<const WindowSnapshot>& snapshot)
         const auto& windows = windowsByPid[pid];
         linuxdesktop::AppRecord state;
         state.pid = pid;
-        if (const auto stat = m_liveness.stat(pid))
-            state.startTime = stat->startTime;
+        state.startTime = m_liveness.startTime(pid);
         bool allHidden = true;
         for (const ClientWindow* w : windows) {
             if (isRegularAppWindow(m_x, *w))

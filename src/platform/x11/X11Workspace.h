@@ -7,7 +7,7 @@
 #include "DesktopEntries.h"
 #include "ForeignActiveWindow.h"
 #include "ListedApplication.h"
-#include "ProcFs.h"
+#include "ProcessLiveness.h"
 #include "ThemedIcons.h"
 #include "WindowSnapshot.h"
 #include "XConnection.h"
@@ -32,7 +32,10 @@ public:
     void beginProcessPass();
 
     // processIsAlive through a kept-open /proc/PID/stat of each listed app.
-    bool isProcessAlive(std::int32_t pid) override { return m_liveness.isAlive(pid); }
+    bool isProcessAlive(std::int32_t pid, std::optional<std::uint64_t> startTime) override
+    {
+        return m_liveness.isAlive(pid, startTime);
+    }
     // Requests on the live windows of a process (re-read, not taken from a snapshot).
     bool hideProcess(std::int32_t pid) override;
     bool activateProcess(std::int32_t pid) override;
