@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <chrono>
 #include <memory>
+#include <string>
 #include <thread>
 
 namespace stowly::bench {
@@ -73,33 +74,50 @@ void runningApps(benchmark::State& state)
     state.counters["apps"] = static_cast<double>(apps);
 }
 
-// Whether two lists say the same: the same apps in the same order, with the same names,
-// states, icons and memory figures.
-bool sameList(const std::vector<RunningAppInfo>& a, const std::vector<RunningAppInfo>& b)
+// What tells two lists apart: the same apps in the same order, with the same names, states,
+// icons and memory figures, or else the first difference; empty when they agree.
+std::string difference(const std::vector<RunningAppInfo>& a, const std::vector<RunningAppInfo>& b)
 {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const RunningAppInfo& x, const RunningAppInfo& y) {
+    if (a.size() != b.size())
+        return std::to_string(a.size()) + " apps against " + std::to_string(b.size());
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        const RunningAppInfo& x = a[i];
+        const RunningAppInfo& y = b[i];
         const bool sameIcon =
             (!x.icon && !y.icon) || (x.icon && y.icon && x.icon->width == y.icon->width &&
                                      x.icon->height == y.icon->height && x.icon->argb == y.icon->argb);
-        return x.id == y.id && x.name == y.name && x.isHidden == y.isHidden && x.isActive == y.isActive &&
-               x.memoryBytes == y.memoryBytes && sameIcon;
-    });
+        const std::string which =
+            "app " + std::to_string(i) + " (pid " + std::to_string(x.id) + ", " + x.name.toStdString() + "): ";
+        if (x.id != y.id || x.name != y.name)
+            return which + "against pid " + std::to_string(y.id) + ", " + y.name.toStdString();
+        if (x.isHidden != y.isHidden || x.isActive != y.isActive)
+            return which + "hidden/active " + std::to_string(x.isHidden) + std::to_string(x.isActive) + " against " +
+                   std::to_string(y.isHidden) + std::to_string(y.isActive);
+        if (x.memoryBytes != y.memoryBytes)
+            return which + "memory " + std::to_string(x.memoryBytes.value_or(0)) + " against " +
+                   std::to_string(y.memoryBytes.value_or(0));
+        if (!sameIcon)
+            return which + "another icon";
+    }
+    return {};
 }
 
 // The tick reuses what did not change since the previous one; its list must still equal
 // what a backend that has read nothing before sees. Idle apps' memory can move between
 // two reads, so a difference is read again a few times before it counts.
-bool matchesFreshRead(AppModel& model)
+std::string differenceFromAFreshRead(AppModel& model)
 {
+    std::string last;
     for (int attempt = 0; attempt < 5; ++attempt) {
         const auto freshBackend = makeBenchBackend();
         const AppModel fresh(freshBackend->platform());
         model.refreshSnapshot();
-        if (sameList(model.runningApps(), fresh.runningApps()))
-            return true;
+        last = difference(model.runningApps(), fresh.runningApps());
+        if (last.empty())
+            return {};
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
     }
-    return false;
+    return last;
 }
 
 void refreshSnapshot(benchmark::State& state)
@@ -113,8 +131,11 @@ void refreshSnapshot(benchmark::State& state)
         state.SetIterationTime(seconds(end - start));
     }
     state.counters["apps"] = static_cast<double>(env.model->runningApps().size());
-    if (!matchesFreshRead(*env.model))
-        state.SkipWithError("the refreshed list differs from a fresh full read");
+    if (const std::string differs = differenceFromAFreshRead(*env.model); !differs.empty()) {
+        static std::string message; // SkipWithError keeps the pointer
+        message = "the refreshed list differs from a fresh full read: " + differs;
+        state.SkipWithError(message.c_str());
+    }
 }
 
 void minimizeAllWindows(benchmark::State& state, const BenchOptions& options)

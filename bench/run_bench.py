@@ -138,7 +138,9 @@ class TestBed:
         while len(self.xterms) > count:
             self.end(self.xterms.pop())
         while len(self.xterms) < count:
-            self.xterms.append(self.spawn(["xterm", "-geometry", "60x10"]))
+            # A shell without start-up files: the machine's own rc files (version managers
+            # and the like) would otherwise keep starting processes beside the measurement.
+            self.xterms.append(self.spawn(["xterm", "-geometry", "60x10", "-e", "bash", "--norc", "--noprofile"]))
         result = self.helper_out("wait-class", TARGET_CLASS, count, 60)
         if result.returncode != 0:
             raise RuntimeError(f"only {result.stdout.strip()} of {count} xterm windows appeared")
@@ -323,7 +325,8 @@ class Runner:
         bed = DesktopBed().start(tray=real, accessibility=False)
         try:
             for i in range(REST_APPS):
-                bed.spawn_app(["xterm", "-geometry", f"60x10+{20 * i}+{40 + 15 * i}"])
+                bed.spawn_app(["xterm", "-geometry", f"60x10+{20 * i}+{40 + 15 * i}", "-e", "bash", "--norc",
+                               "--noprofile"])
             waited = subprocess.run([helper, "wait-class", TARGET_CLASS, str(REST_APPS), "60"], env=bed.env,
                                     capture_output=True, text=True, timeout=90)
             if waited.returncode != 0:
