@@ -205,6 +205,9 @@ class TestBed:
         self.env["XDG_CONFIG_HOME"] = os.path.join(self.home, "config")
         self.env["XDG_RUNTIME_DIR"] = os.path.join(self.home, "runtime")
         os.makedirs(self.env["XDG_RUNTIME_DIR"], mode=0o700)
+        # The shell a terminal starts: one that reads none of the machine's start-up files
+        # (an interactive bash would run whatever ~/.bashrc holds, beside every test).
+        self.env["SHELL"] = "/bin/sh"
         self.env.pop("WAYLAND_DISPLAY", None)
 
     def _try_xvfb(self, candidate):
