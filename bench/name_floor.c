@@ -4,11 +4,12 @@
 
 // The least that a list of the machine's processes, exact once a second, costs at rest:
 // wake once a second and read every process's name again, since any process may have
-// executed another program meanwhile and nothing tells an unprivileged reader so. Names
-// are read through descriptors kept open from one second to the next; /proc is read
-// whole again only when the kernel has handed out a pid (the last field of
-// /proc/loadavg). No memory, no windows, no parents: Stowly's tick does all of this and
-// more, so this program's CPU time is a floor for Stowly's at rest.
+// executed another program meanwhile and nothing tells an unprivileged reader so. Kernel
+// threads are left out (no memory, no windows: no app's). Names are read through
+// descriptors kept open from one second to the next; /proc is read whole again only when
+// the kernel has handed out a pid (the last field of /proc/loadavg). No memory, no windows,
+// no parents: Stowly's tick does all of this and more, so this program's CPU time is a
+// floor for Stowly's at rest.
 //
 // usage: name_floor          (runs until it is ended)
 #define _GNU_SOURCE
@@ -33,6 +34,26 @@ static int known(int pid)
     return 0;
 }
 
+// PF_KTHREAD in the flags, the ninth field of /proc/PID/stat (counted after the name,
+// which may hold spaces and parentheses).
+static int isKernelThread(int pid)
+{
+    char path[64], text[1024];
+    snprintf(path, sizeof path, "/proc/%d/stat", pid);
+    const int fd = open(path, O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
+        return 0;
+    const ssize_t n = read(fd, text, sizeof text - 1);
+    close(fd);
+    if (n <= 0)
+        return 0;
+    text[n] = '\0';
+    const char* field = strrchr(text, ')');
+    for (int i = 2; field != NULL && i < 9; ++i) // ") S ppid pgrp session tty tpgid flags"
+        field = strchr(field + 1, ' ');
+    return field != NULL && (strtoul(field + 1, NULL, 10) & 0x00200000UL) != 0;
+}
+
 static void relist(void)
 {
     DIR* dir = opendir("/proc");
@@ -41,7 +62,7 @@ static void relist(void)
     struct dirent* entry;
     while ((entry = readdir(dir)) != NULL) {
         const int pid = atoi(entry->d_name);
-        if (pid <= 0 || known(pid))
+        if (pid <= 0 || known(pid) || isKernelThread(pid))
             continue;
         char path[64];
         snprintf(path, sizeof path, "/proc/%d/comm", pid);
