@@ -4,6 +4,7 @@
 
 #include "Pidfd.h"
 
+#include <poll.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -20,6 +21,16 @@ int openPidfd(std::int32_t pid)
     errno = ENOSYS;
     return -1;
 #endif
+}
+
+bool hasExited(int pidfd)
+{
+    pollfd fd{pidfd, POLLIN, 0};
+    int ready;
+    do
+        ready = ::poll(&fd, 1, 0);
+    while (ready < 0 && errno == EINTR);
+    return ready != 0;
 }
 
 int sendThroughPidfd(int pidfd, int signal)

@@ -13,6 +13,11 @@ namespace stowly::linuxdesktop {
 // exited (a zombie included). -1 with errno set where the kernel has none (before 5.3).
 int openPidfd(std::int32_t pid);
 
+// Whether the pidfd's process has exited (a zombie included): it polls readable then. A
+// failed poll counts as exited, so that what was read about the process is read again
+// rather than trusted.
+bool hasExited(int pidfd);
+
 // Sends a signal through a pidfd; -1 with errno set on failure.
 int sendThroughPidfd(int pidfd, int signal);
 

@@ -6,29 +6,11 @@
 
 #include "Pidfd.h"
 
-#include <poll.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 
 namespace stowly::linuxdesktop {
-
-namespace {
-
-// A pidfd polls readable once its process has exited; a failed poll counts as exited, so
-// that the process is looked at afresh rather than trusted.
-bool hasExited(int pidfd)
-{
-    pollfd fd{pidfd, POLLIN, 0};
-    int ready;
-    do
-        ready = ::poll(&fd, 1, 0);
-    while (ready < 0 && errno == EINTR);
-    return ready != 0;
-}
-
-} // namespace
 
 ProcessLiveness::~ProcessLiveness()
 {

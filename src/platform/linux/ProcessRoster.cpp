@@ -72,18 +72,6 @@ std::optional<std::uint64_t> readLastPid(int fd)
     return value;
 }
 
-// A pidfd polls readable once its process has exited; a failed poll counts as exited, so
-// that what was read is read again rather than trusted.
-bool hasExited(int pidfd)
-{
-    pollfd fd{pidfd, POLLIN, 0};
-    int ready;
-    do
-        ready = ::poll(&fd, 1, 0);
-    while (ready < 0 && errno == EINTR);
-    return ready != 0;
-}
-
 void closeIfOpen(int fd)
 {
     if (fd >= 0)
