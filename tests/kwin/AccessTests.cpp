@@ -6,6 +6,7 @@
 // new connection is granted, for a program path with spaces and quotes too.
 #include "KWinAccessGrant.h"
 #include "KWinSession.h"
+#include "OpenFileLimit.h"
 #include "PlasmaSystemSettings.h"
 #include "TestBed.h"
 
@@ -70,12 +71,14 @@ TEST(PlasmaSettings, OfferedAsSystemSettingsOnlyWhenInstalled)
     EXPECT_FALSE(none.name().has_value());
     EXPECT_FALSE(none.open());
 
+    stowly::linuxdesktop::openfilelimit::raise(); // as every Linux session does at start-up
     // A stand-in for System Settings that leaves a mark when started.
     const std::string dir = sharedSession().root() + "/settings-bin";
     mkdir(dir.c_str(), 0700);
     const std::string program = dir + "/systemsettings5";
     const std::string mark = dir + "/started";
-    tb::writeFile(program, "#!/bin/sh\necho \"$@\" > '" + mark + "'\n");
+    const std::string limits = dir + "/limits";
+    tb::writeFile(program, "#!/bin/sh\n/bin/cat /proc/$$/limits > '" + limits + "'\necho \"$@\" > '" + mark + "'\n");
     chmod(program.c_str(), 0755);
     stowly::kwin::PlasmaSystemSettings plasma([&](const QString& name) {
         return name == QStringLiteral("systemsettings5") ? QString::fromStdString(program) : QString();
@@ -83,6 +86,9 @@ TEST(PlasmaSettings, OfferedAsSystemSettingsOnlyWhenInstalled)
     EXPECT_EQ(plasma.name(), std::optional<std::string>("System Settings"));
     EXPECT_TRUE(plasma.open());
     EXPECT_TRUE(tb::waitUntil([&] { return !tb::readText(mark).empty(); }));
+    // Started with the limit on open descriptors Stowly was started with, not its raised one.
+    EXPECT_EQ(tb::softOpenFileLimit(tb::readText(limits)),
+              std::to_string(stowly::linuxdesktop::openfilelimit::original()));
 }
 
 } // namespace

@@ -5,12 +5,14 @@
 // What "Open System Settings" opens on X11: the running window manager's settings
 // program, found by the name on its EWMH check window, when it is installed.
 
+#include "OpenFileLimit.h"
 #include "TestBed.h"
 #include "WindowManagerSettings.h"
 #include "X11Platform.h"
 
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -110,12 +112,20 @@ TEST(WindowManagerSettingsOnOpenbox, OffersAndStartsObconfOnlyWhenInstalled)
         EXPECT_EQ(settings.name(), std::nullopt);
         EXPECT_FALSE(settings.open());
     }
-    writeFile(folder + "/obconf", "#!/bin/sh\necho \"$@\" > '" + marker + "'\n");
+    const std::string limits = folder + "/obconf-limits";
+    ::unlink(limits.c_str());
+    writeFile(folder + "/obconf",
+              "#!/bin/sh\n/bin/cat /proc/$$/limits > '" + limits + "'\necho \"$@\" > '" + marker + "'\n");
     ::chmod((folder + "/obconf").c_str(), 0755);
     {
         PathOf path(folder);
         EXPECT_EQ(settings.name(), std::optional<std::string>("Openbox Configuration Manager"));
         EXPECT_TRUE(settings.open());
         EXPECT_TRUE(waitUntil([&] { return !readText(marker).empty(); }));
+        // It starts with the limit on open descriptors Stowly was started with, not Stowly's raised one.
+        if (rlimit limit{}; ::getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_max > 1024) {
+            EXPECT_GT(limit.rlim_cur, linuxdesktop::openfilelimit::original()) << "Stowly's own is raised";
+        }
+        EXPECT_EQ(softOpenFileLimit(readText(limits)), std::to_string(linuxdesktop::openfilelimit::original()));
     }
 }

@@ -5,17 +5,25 @@
 // The roster of processes that a refresh walks: what it keeps from one pass to the next
 // must always read as a fresh look at /proc would.
 
+#include "OpenFileLimit.h"
+#include "ProcFs.h"
 #include "ProcStat.h"
 #include "ProcessRoster.h"
 #include "TestBed.h"
 
 #include <gtest/gtest.h>
 
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/select.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <fstream>
 #include <string>
+#include <vector>
 
 namespace stowly {
 namespace {
@@ -23,6 +31,7 @@ namespace {
 namespace tb = testbed;
 using linuxdesktop::OpenFileBudget;
 using linuxdesktop::ProcessRoster;
+using linuxdesktop::ProcStatusCache;
 
 bool listed(const ProcessRoster& roster, int pid)
 {
@@ -221,6 +230,188 @@ TEST(ProcessRoster, LeavesKernelThreadsOutAndDoesNotReadThemAgain)
     EXPECT_TRUE(listed(roster, static_cast<int>(getppid())));
     if (kernelThreads == 0)
         GTEST_SKIP() << "no kernel threads are visible in this pid namespace";
+}
+
+// This process's descriptors: how many lie below FD_SETSIZE, and where the kept kinds lie.
+struct Descriptors {
+    int low = 0;
+    int highest = -1;
+    int pidfdsLow = 0;
+    int pidfdsHigh = 0;
+    int procFilesLow = 0; // /proc/PID/comm and /proc/PID/status
+    int procFilesHigh = 0;
+};
+
+Descriptors descriptors()
+{
+    Descriptors found;
+    DIR* dir = ::opendir("/proc/self/fd");
+    if (dir == nullptr)
+        return found;
+    const int own = ::dirfd(dir);
+    while (const dirent* entry = ::readdir(dir)) {
+        if (entry->d_name[0] == '.')
+            continue;
+        const int fd = std::atoi(entry->d_name);
+        if (fd == own)
+            continue;
+        char target[256];
+        const ssize_t n = ::readlinkat(own, entry->d_name, target, sizeof target - 1);
+        const std::string link(target, n > 0 ? static_cast<std::size_t>(n) : 0);
+        const bool low = fd < FD_SETSIZE;
+        found.low += low ? 1 : 0;
+        found.highest = std::max(found.highest, fd);
+        if (link == "anon_inode:[pidfd]")
+            ++(low ? found.pidfdsLow : found.pidfdsHigh);
+        const bool procFile = link.rfind("/proc/", 0) == 0 &&
+                              (link.size() > 5 && (link.substr(link.size() - 5) == "/comm" ||
+                                                   (link.size() > 7 && link.substr(link.size() - 7) == "/status")));
+        if (procFile)
+            ++(low ? found.procFilesLow : found.procFilesHigh);
+    }
+    ::closedir(dir);
+    return found;
+}
+
+rlim_t softLimitNow()
+{
+    rlimit limit{};
+    ::getrlimit(RLIMIT_NOFILE, &limit);
+    return limit.rlim_cur;
+}
+
+// Sets this process's soft limit on descriptors for as long as the object lives.
+class SoftLimit {
+public:
+    explicit SoftLimit(rlim_t soft)
+    {
+        ::getrlimit(RLIMIT_NOFILE, &m_saved);
+        rlimit changed = m_saved;
+        changed.rlim_cur = std::min(soft, m_saved.rlim_max);
+        m_set = ::setrlimit(RLIMIT_NOFILE, &changed) == 0;
+    }
+    ~SoftLimit() { ::setrlimit(RLIMIT_NOFILE, &m_saved); }
+    SoftLimit(const SoftLimit&) = delete;
+    SoftLimit& operator=(const SoftLimit&) = delete;
+    bool set() const { return m_set; }
+
+private:
+    rlimit m_saved{};
+    bool m_set = false;
+};
+
+TEST(OpenFileBudget, ComesFromTheSoftLimitAboveFdSetSize)
+{
+    EXPECT_EQ(OpenFileBudget::forSoftLimit(100).left(), 0u);
+    EXPECT_EQ(OpenFileBudget::forSoftLimit(600).left(), 344u);
+    EXPECT_EQ(OpenFileBudget::forSoftLimit(1024).left(), 768u);
+    EXPECT_EQ(OpenFileBudget::forSoftLimit(20000).left(), 768u + (20000u - 1024u - 256u));
+}
+
+TEST(OpenFileBudget, MovesKeptDescriptorsUpOrKeepsFewLowOnesWhenTheyCannotMove)
+{
+    OpenFileBudget budget(3, 1);
+    {
+        // No room above FD_SETSIZE: one may stay low, the next is closed.
+        const SoftLimit low(600);
+        ASSERT_TRUE(low.set());
+        const int first = budget.keep(::open("/dev/null", O_RDONLY | O_CLOEXEC));
+        ASSERT_GE(first, 0);
+        EXPECT_LT(first, FD_SETSIZE);
+        const int second = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+        ASSERT_GE(second, 0);
+        EXPECT_EQ(budget.keep(second), -1);
+        EXPECT_EQ(::fcntl(second, F_GETFD), -1) << "a descriptor the budget turns down is closed";
+        EXPECT_EQ(budget.left(), 2u);
+        budget.release(first);
+        EXPECT_EQ(budget.left(), 3u);
+    }
+    linuxdesktop::openfilelimit::raise();
+    if (softLimitNow() <= FD_SETSIZE + 3)
+        GTEST_SKIP() << "the hard limit leaves no room above FD_SETSIZE";
+    std::vector<int> kept;
+    for (int i = 0; i < 3; ++i) {
+        kept.push_back(budget.keep(::open("/dev/null", O_RDONLY | O_CLOEXEC)));
+        EXPECT_GE(kept.back(), FD_SETSIZE);
+        EXPECT_NE(::fcntl(kept.back(), F_GETFD) & FD_CLOEXEC, 0);
+    }
+    EXPECT_EQ(budget.keep(::open("/dev/null", O_RDONLY | O_CLOEXEC)), -1);
+    for (const int fd : kept)
+        budget.release(fd);
+    EXPECT_EQ(budget.left(), 3u);
+}
+
+TEST(ProcessRoster, KeepsItsFilesAboveFdSetSizeAndStaysRight)
+{
+    linuxdesktop::openfilelimit::raise();
+    if (softLimitNow() <= FD_SETSIZE + 1024)
+        GTEST_SKIP() << "the hard limit leaves no room above FD_SETSIZE";
+    tb::Apps apps;
+    const int pid = apps.start({"sleep", "100020"});
+    ASSERT_TRUE(tb::waitUntil([&] { return commOf(pid) == "sleep"; }));
+    const Descriptors before = descriptors();
+    OpenFileBudget budget;
+    const std::size_t total = budget.left();
+    {
+        ProcessRoster roster(budget);
+        ProcStatusCache statuses(budget);
+        roster.refresh();
+        statuses.beginPass();
+        EXPECT_TRUE(statuses.status(pid).readable);
+        const Descriptors during = descriptors();
+        EXPECT_LE(during.low, before.low) << "descriptors below FD_SETSIZE stay free for the rest of the program";
+        EXPECT_EQ(during.pidfdsLow, before.pidfdsLow);
+        EXPECT_EQ(during.procFilesLow, before.procFilesLow);
+        // A pidfd of nearly every process, the name of nearly every listed one (kernel
+        // threads keep no name file), and the status file asked about.
+        const int listedCount = static_cast<int>(roster.pids().size());
+        EXPECT_GE(during.pidfdsHigh - before.pidfdsHigh + 16, listedCount);
+        EXPECT_GE(during.procFilesHigh - before.procFilesHigh + 16, listedCount + 1);
+        EXPECT_EQ(total - budget.left(),
+                  static_cast<std::size_t>(during.pidfdsHigh - before.pidfdsHigh + during.procFilesHigh -
+                                           before.procFilesHigh + (roster.seesNewPids() ? 1 : 0)));
+        expectAsAFreshReadSays(roster, pid);
+        tb::kill(pid);
+        roster.refresh();
+        EXPECT_FALSE(listed(roster, pid));
+        expectAsAFreshReadSays(roster, ::getpid());
+    }
+    EXPECT_EQ(budget.left(), total);
+    const Descriptors after = descriptors();
+    EXPECT_EQ(after.pidfdsHigh, before.pidfdsHigh);
+    EXPECT_EQ(after.procFilesHigh, before.procFilesHigh);
+}
+
+TEST(ProcessRoster, UnderALowLimitKeepsItsFilesBelowItAndStaysRight)
+{
+    // A soft limit no higher than FD_SETSIZE: nothing can move up, so the kept files stay
+    // low, within the budget that limit gives.
+    const SoftLimit limit(600);
+    ASSERT_TRUE(limit.set());
+    tb::Apps apps;
+    std::vector<int> pids;
+    for (int i = 0; i < 3; ++i)
+        pids.push_back(apps.start({"sleep", std::to_string(100030 + i)}));
+    ASSERT_TRUE(tb::waitUntil(
+        [&] { return std::all_of(pids.begin(), pids.end(), [](int pid) { return commOf(pid) == "sleep"; }); }));
+    OpenFileBudget budget;
+    EXPECT_EQ(budget.left(), 344u);
+    {
+        ProcessRoster roster(budget);
+        roster.refresh();
+        const Descriptors during = descriptors();
+        EXPECT_LT(during.highest, 600);
+        EXPECT_GT(during.pidfdsLow, 0);
+        EXPECT_LE(during.pidfdsLow, 172);
+        for (const int pid : pids)
+            expectAsAFreshReadSays(roster, pid);
+        tb::kill(pids.back());
+        roster.refresh();
+        EXPECT_FALSE(listed(roster, pids.back()));
+        for (std::size_t i = 0; i + 1 < pids.size(); ++i)
+            expectAsAFreshReadSays(roster, pids[i]);
+    }
+    EXPECT_EQ(budget.left(), 344u);
 }
 
 } // namespace

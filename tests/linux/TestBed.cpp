@@ -163,6 +163,18 @@ void writeFile(const std::string& path, const std::string& text)
     out << text;
 }
 
+std::string softOpenFileLimit(const std::string& limits)
+{
+    const std::string field = "Max open files";
+    const auto at = limits.find(field);
+    if (at == std::string::npos)
+        return {};
+    std::istringstream fields(limits.substr(at + field.size()));
+    std::string soft;
+    fields >> soft;
+    return soft;
+}
+
 std::string readText(const std::string& path)
 {
     std::ifstream in(path);

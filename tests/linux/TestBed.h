@@ -39,6 +39,8 @@ std::string run(const std::string& command);
 // The whole file, or "" when it cannot be read.
 std::string readText(const std::string& path);
 void writeFile(const std::string& path, const std::string& text);
+// The soft "Max open files" of a /proc/PID/limits text; "" when absent.
+std::string softOpenFileLimit(const std::string& limits);
 
 // A private display with openbox; DISPLAY is set for this process and its children.
 class Display {

@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
+
 #include <memory>
 
 namespace {
@@ -56,6 +58,12 @@ Display& sharedDisplay()
 
 int main(int argc, char** argv)
 {
+    // As a desktop session starts its programs (soft limit 1024 under a higher hard one),
+    // so that what Stowly's children get tells the raised limit from the original.
+    if (rlimit limit{}; ::getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_max > 1024 && limit.rlim_cur > 1024) {
+        limit.rlim_cur = 1024;
+        ::setrlimit(RLIMIT_NOFILE, &limit);
+    }
     stowly::testbed::prepareEnvironment(STOWLY_TEST_BUILD_DIR);
     QCoreApplication app(argc, argv);
     ::testing::InitGoogleTest(&argc, argv);

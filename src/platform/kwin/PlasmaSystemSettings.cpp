@@ -4,7 +4,8 @@
 
 #include "PlasmaSystemSettings.h"
 
-#include <QProcess>
+#include "DetachedProcess.h"
+
 #include <QStandardPaths>
 
 namespace stowly::kwin {
@@ -36,7 +37,7 @@ std::optional<std::string> PlasmaSystemSettings::name()
 bool PlasmaSystemSettings::open()
 {
     const QString path = executable();
-    return !path.isEmpty() && QProcess::startDetached(path, {});
+    return !path.isEmpty() && linuxdesktop::startDetachedProcess(path, {});
 }
 
 } // namespace stowly::kwin

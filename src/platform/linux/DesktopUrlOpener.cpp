@@ -4,6 +4,8 @@
 
 #include "DesktopUrlOpener.h"
 
+#include "OpenFileLimit.h"
+
 #include <QDesktopServices>
 #include <QGuiApplication>
 #include <QUrl>
@@ -17,6 +19,8 @@ bool DesktopUrlOpener::openUrl(const std::string& url)
     const QUrl parsed(QString::fromStdString(url));
     if (!parsed.isValid())
         return false;
+    // Outside a sandbox the handler (xdg-open, or $BROWSER) is started within this call.
+    const openfilelimit::ForChildren limit;
     return QDesktopServices::openUrl(parsed);
 }
 

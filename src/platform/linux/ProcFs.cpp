@@ -165,8 +165,7 @@ ProcStatusCache::~ProcStatusCache()
 
 void ProcStatusCache::close(std::unordered_map<std::int32_t, OpenFile>::iterator it)
 {
-    ::close(it->second.fd);
-    m_budget.giveBack();
+    m_budget.release(it->second.fd);
     m_files.erase(it);
 }
 
@@ -213,10 +212,8 @@ bool ProcStatusCache::readStatus(std::int32_t pid, std::size_t& length)
         return false;
     }
     length = static_cast<std::size_t>(n);
-    if (m_budget.take())
-        m_files.emplace(pid, OpenFile{fd, true});
-    else
-        ::close(fd);
+    if (const int kept = m_budget.keep(fd); kept >= 0)
+        m_files.emplace(pid, OpenFile{kept, true});
     return true;
 }
 

@@ -72,40 +72,26 @@ std::optional<std::uint64_t> readLastPid(int fd)
     return value;
 }
 
-void closeIfOpen(int fd)
-{
-    if (fd >= 0)
-        ::close(fd);
-}
-
 } // namespace
 
 ProcessRoster::ProcessRoster(OpenFileBudget& budget) : m_budget(budget)
 {
-    if (m_budget.take())
-        m_loadavgFd = openLastPidSource();
-    if (m_loadavgFd < 0)
-        m_budget.giveBack();
+    if (m_budget.hasRoom())
+        m_loadavgFd = m_budget.keep(openLastPidSource());
 }
 
 ProcessRoster::~ProcessRoster()
 {
     for (auto it = m_entries.begin(); it != m_entries.end();)
         it = forget(it);
-    if (m_loadavgFd >= 0) {
-        ::close(m_loadavgFd);
-        m_budget.giveBack();
-    }
+    m_budget.release(m_loadavgFd);
 }
 
 void ProcessRoster::closeFiles(Entry& entry)
 {
     for (int* fd : {&entry.pidfd, &entry.commFd}) {
-        if (*fd >= 0) {
-            ::close(*fd);
-            m_budget.giveBack();
-            *fd = -1;
-        }
+        m_budget.release(*fd);
+        *fd = -1;
     }
 }
 
@@ -190,18 +176,14 @@ bool ProcessRoster::rereadName(std::int32_t pid, Entry& entry)
 bool ProcessRoster::adopt(std::int32_t pid)
 {
     Entry entry;
-    if (m_budget.take(2)) {
-        entry.pidfd = openPidfd(pid);
+    if (m_budget.hasRoom(2)) {
+        entry.pidfd = m_budget.keep(openPidfd(pid));
         if (entry.pidfd >= 0) {
             char path[32];
             std::snprintf(path, sizeof path, "/proc/%d/comm", pid);
-            entry.commFd = ::open(path, O_RDONLY | O_CLOEXEC);
-        }
-        if (entry.pidfd < 0 || entry.commFd < 0) {
-            closeIfOpen(entry.pidfd);
-            closeIfOpen(entry.commFd);
-            entry.pidfd = entry.commFd = -1;
-            m_budget.giveBack(2);
+            entry.commFd = m_budget.keep(::open(path, O_RDONLY | O_CLOEXEC));
+            if (entry.commFd < 0)
+                closeFiles(entry); // both or neither
         }
     }
     // Read after the pidfd was opened: if the pidfd still says alive afterwards, what was
@@ -211,9 +193,8 @@ bool ProcessRoster::adopt(std::int32_t pid)
         closeFiles(entry);
         return false;
     }
-    if (entry.kernelThread && entry.commFd >= 0) {
-        ::close(entry.commFd); // never read again
-        m_budget.giveBack();
+    if (entry.kernelThread) {
+        m_budget.release(entry.commFd); // never read again
         entry.commFd = -1;
     }
     entry.serial = ++m_nextSerial;

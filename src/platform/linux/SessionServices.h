@@ -6,6 +6,7 @@
 
 #include "DesktopEntries.h"
 #include "DesktopUrlOpener.h"
+#include "OpenFileLimit.h"
 #include "ProcFs.h"
 #include "SettingsPreferenceStore.h"
 #include "XdgAutostart.h"
@@ -17,7 +18,12 @@ namespace stowly::linuxdesktop {
 // entries, XDG autostart, QSettings and the desktop's URL handler. A backend adds the
 // window system's own three and hands the whole out as one Platform.
 struct SessionServices {
-    SessionServices() : roster(fileBudget), procCache(fileBudget), processTable(roster, procCache) {}
+    // The soft limit on descriptors is raised before the budget of kept ones is drawn from it.
+    SessionServices()
+        : openFileLimit(openfilelimit::raise()), roster(fileBudget), procCache(fileBudget),
+          processTable(roster, procCache)
+    {
+    }
 
     // The lookups of one pass over the process table share one reading of the windows.
     template <typename PassAwareWorkspace>
@@ -29,6 +35,7 @@ struct SessionServices {
                         loginItems, urlOpener,     preferences, accessSettings};
     }
 
+    std::uint64_t openFileLimit;
     OpenFileBudget fileBudget;
     ProcessRoster roster;
     ProcStatusCache procCache;

@@ -4,9 +4,9 @@
 
 #include "WindowManagerSettings.h"
 
+#include "DetachedProcess.h"
 #include "TextUtil.h"
 
-#include <QProcess>
 #include <QStandardPaths>
 
 #include <cstdlib>
@@ -86,7 +86,7 @@ std::optional<std::string> WindowManagerSettings::name()
 bool WindowManagerSettings::open()
 {
     const auto program = resolve();
-    return program && QProcess::startDetached(program->executable, program->arguments);
+    return program && linuxdesktop::startDetachedProcess(program->executable, program->arguments);
 }
 
 std::optional<WindowManagerSettings::Program> WindowManagerSettings::resolve()
