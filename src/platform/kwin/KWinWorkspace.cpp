@@ -110,7 +110,7 @@ std::vector<RunningApplicationRef> KWinWorkspace::listApplications()
     for (const std::int32_t pid : order) {
         linuxdesktop::AppRecord state;
         state.pid = pid;
-        state.startTime = m_liveness.startTime(pid);
+        state.startTime = m_processes.startTime(pid);
         bool allHidden = true;
         for (const PlasmaWindowInfo* window : byPid[pid]) {
             if (!window->has(WindowState::skipTaskbar))
@@ -147,7 +147,6 @@ std::vector<RunningApplicationRef> KWinWorkspace::listApplications()
         }
         apps.push_back(std::make_shared<linuxdesktop::ListedApplication>(*this, std::move(state)));
     }
-    m_liveness.keepOnly(order);
     return apps;
 }
 

@@ -8,7 +8,7 @@
 #include "HiddenWindowRecord.h"
 #include "ListedApplication.h"
 #include "PlasmaWindowManagement.h"
-#include "ProcessLiveness.h"
+#include "ProcessRoster.h"
 #include "ThemedIcons.h"
 #include "platform/Workspace.h"
 
@@ -40,7 +40,7 @@ public:
 
     bool isProcessAlive(std::int32_t pid, std::optional<std::uint64_t> startTime) override
     {
-        return m_liveness.isAlive(pid, startTime);
+        return m_processes.isRunning(pid, startTime);
     }
     bool hideProcess(std::int32_t pid) override;
     bool activateProcess(std::int32_t pid) override;
@@ -56,7 +56,6 @@ private:
     linuxdesktop::DesktopEntries& m_entries;
     HiddenWindowRecord& m_hidden;
     linuxdesktop::ThemedIcons m_themedIcons;
-    linuxdesktop::ProcessLiveness m_liveness;
     std::string m_lastForeignActive;
 
     // Within a pass over the process table, every lookup answers from one listing, read

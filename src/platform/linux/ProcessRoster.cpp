@@ -145,6 +145,7 @@ bool ProcessRoster::rereadStat(std::int32_t pid, Entry& entry)
         return false;
     entry.name = std::move(stat->name);
     entry.parent = stat->ppid;
+    entry.startTime = stat->startTime;
     entry.kernelThread = stat->isKernelThread();
     return true;
 }
@@ -302,6 +303,39 @@ std::int32_t ProcessRoster::parent(std::int32_t pid) const
     ++m_statReads;
     const auto stat = readProcStat(pid);
     return stat ? stat->ppid : -1;
+}
+
+const ProcessRoster::Entry* ProcessRoster::heldAndRunning(std::int32_t pid) const
+{
+    const auto it = m_entries.find(pid);
+    if (it == m_entries.end() || it->second.pidfd < 0 || hasExited(it->second.pidfd))
+        return nullptr;
+    return &it->second;
+}
+
+std::optional<std::uint64_t> ProcessRoster::startTime(std::int32_t pid) const
+{
+    if (pid <= 0)
+        return std::nullopt;
+    if (const Entry* entry = heldAndRunning(pid))
+        return entry->startTime;
+    ++m_statReads;
+    const auto stat = readProcStat(pid);
+    // A zombie keeps its pid until it is reaped: its start time still tells it apart.
+    if (!stat || stat->pid != pid)
+        return std::nullopt;
+    return stat->startTime;
+}
+
+bool ProcessRoster::isRunning(std::int32_t pid, std::optional<std::uint64_t> startTime) const
+{
+    if (pid <= 0)
+        return false;
+    if (const Entry* entry = heldAndRunning(pid))
+        return !startTime || entry->startTime == *startTime;
+    ++m_statReads;
+    const auto stat = readProcStat(pid);
+    return stat && stat->pid == pid && !stat->isZombie() && (!startTime || stat->startTime == *startTime);
 }
 
 } // namespace stowly::linuxdesktop

@@ -46,8 +46,18 @@ public:
     // a process the roster does not know is read now. -1 when it is gone.
     std::int32_t parent(std::int32_t pid) const;
 
+    // Asked now, not as of the last refresh: a process the roster holds by its pidfd answers
+    // without a read while the pidfd says it runs (a pidfd stays bound to the process it was
+    // opened for, never to a later one given the same pid); any other is read now.
+    // When the process that has the pid started (clock ticks after boot), a zombie's too;
+    // nullopt when none has it.
+    std::optional<std::uint64_t> startTime(std::int32_t pid) const;
+    // Whether a process has the pid and has not exited; with a start time, only the process
+    // that started then counts.
+    bool isRunning(std::int32_t pid, std::optional<std::uint64_t> startTime = std::nullopt) const;
+
     // For measurements and tests: readings of the whole /proc directory, and reads of
-    // /proc/PID/stat (where the parents come from), since the roster was made.
+    // /proc/PID/stat (where parents and start times come from), since the roster was made.
     std::uint64_t listings() const { return m_listings; }
     std::uint64_t statReads() const { return m_statReads; }
     // Whether new processes show without reading /proc whole (the kernel's last pid is
@@ -60,6 +70,7 @@ private:
         int commFd = -1; // its name, re-read each pass; -1 over budget
         std::string name;
         std::int32_t parent = -1;
+        std::uint64_t startTime = 0;
         std::uint64_t serial = 0;       // new for every process, and every pass for one without a pidfd
         std::uint64_t parentSerial = 0; // the parent's serial when parent was read; 0: read it each pass
         bool kernelThread = false;
@@ -72,6 +83,8 @@ private:
     bool rereadName(std::int32_t pid, Entry& entry);
     bool rereadStat(std::int32_t pid, Entry& entry);
     void closeFiles(Entry& entry);
+    // The entry of the process that has the pid, when a pidfd shows it still runs.
+    const Entry* heldAndRunning(std::int32_t pid) const;
     void checkParents();
     using Entries = std::unordered_map<std::int32_t, Entry>;
     Entries::iterator forget(Entries::iterator it);

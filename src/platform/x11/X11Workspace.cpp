@@ -71,7 +71,7 @@ X11Workspace::buildTable(const std::shared_ptr<const WindowSnapshot>& snapshot)
         const auto& windows = windowsByPid[pid];
         linuxdesktop::AppRecord state;
         state.pid = pid;
-        state.startTime = m_liveness.startTime(pid);
+        state.startTime = m_processes.startTime(pid);
         bool allHidden = true;
         for (const ClientWindow* w : windows) {
             if (isRegularAppWindow(m_x, *w))
@@ -109,7 +109,6 @@ X11Workspace::buildTable(const std::shared_ptr<const WindowSnapshot>& snapshot)
         table->apps.push_back(app);
         table->byPid.emplace(pid, app);
     }
-    m_liveness.keepOnly(order);
     return table;
 }
 

@@ -7,7 +7,7 @@
 #include "DesktopEntries.h"
 #include "ForeignActiveWindow.h"
 #include "ListedApplication.h"
-#include "ProcessLiveness.h"
+#include "ProcessRoster.h"
 #include "ThemedIcons.h"
 #include "WindowSnapshot.h"
 #include "XConnection.h"
@@ -31,10 +31,10 @@ public:
     // A pass over the process table started: the lookups of that pass share one snapshot.
     void beginProcessPass();
 
-    // processIsAlive through a kept-open /proc/PID/stat of each listed app.
+    // Asked of the process roster, which holds each process by a pidfd.
     bool isProcessAlive(std::int32_t pid, std::optional<std::uint64_t> startTime) override
     {
-        return m_liveness.isAlive(pid, startTime);
+        return m_processes.isRunning(pid, startTime);
     }
     // Requests on the live windows of a process (re-read, not taken from a snapshot).
     bool hideProcess(std::int32_t pid) override;
@@ -59,7 +59,6 @@ private:
     linuxdesktop::DesktopEntries& m_entries;
     IconCache m_icons;
     linuxdesktop::ThemedIcons m_themedIcons;
-    linuxdesktop::ProcessLiveness m_liveness;
     ForeignActiveWindow m_activeWindow;
 
     bool m_passOpen = false;
