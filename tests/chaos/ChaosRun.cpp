@@ -157,6 +157,7 @@ private:
     x11::X11Platform m_linux;
     AppModel m_model;
     int m_wmPid = -1;
+    std::string m_windowManagerName = "openbox"; // for failure reports
     std::map<int, ChaosApp> m_apps;
     // Killed by the driver and not yet seen gone: a SIGKILL takes effect in the kernel's own
     // time, on a loaded machine sometimes only in the next round.
@@ -528,20 +529,26 @@ void Chaos::runCommand(Command command, const RunningAppInfo* target)
             fail(describe("process " + std::to_string(*died.begin()) + " died" +
                           (stoppedBefore[*died.begin()] ? " (it was stopped)" : "")) +
                  historyOf(*died.begin()));
-        if (quiet && reported != static_cast<long long>(minimizeTargets.size())) {
+        // Every window before and after, marked, so that a failure says which one.
+        auto windowsSeen = [&] {
             std::string seen;
             for (const auto& [id, w] : before.windows)
                 seen += "\n    " + w.describe() + (minimizeTargets.count(id) ? " [target]" : "") +
-                        (after.windows.count(id) && after.windows.at(id).iconic ? " [iconic after]" : "");
+                        (after.windows.count(id) == 0  ? " [gone after]"
+                         : after.windows.at(id).iconic ? " [iconic after]"
+                                                       : "");
+            return seen;
+        };
+        if (quiet && reported != static_cast<long long>(minimizeTargets.size()))
             fail(describe("reported " + std::to_string(reported) + ", outside saw " +
-                          std::to_string(minimizeTargets.size()) + " targets:" + seen));
-        }
+                          std::to_string(minimizeTargets.size()) + " targets:" + windowsSeen()));
         std::size_t targetsMinimized = 0;
         for (const std::uint32_t id : iconified())
             targetsMinimized += minimizeTargets.count(id);
         if (quiet && targetsMinimized != minimizeTargets.size())
             fail(describe("outside saw " + std::to_string(targetsMinimized) + " windows minimized of " +
-                          std::to_string(minimizeTargets.size())));
+                          std::to_string(minimizeTargets.size()) + ":" + windowsSeen() +
+                          "\n    window manager: " + m_windowManagerName));
         break;
     }
     case Command::hide: {
@@ -713,6 +720,7 @@ bool Chaos::windowManagerFault(bool replace)
     if (cpu / wall > 0.25)
         fail("busy while the window manager is absent: " + std::to_string(cpu / wall * 100) + "% CPU");
     const bool useIcewm = replace && system("command -v icewm >/dev/null 2>&1") == 0;
+    m_windowManagerName = useIcewm ? "icewm (after a fault)" : "openbox (after a fault)";
     m_wmPid = useIcewm ? tb::spawn({"icewm", "--replace"})
                        : tb::spawn({"env", "XDG_DATA_DIRS=/usr/local/share:/usr/share", "openbox", "--sm-disable"});
     if (!tb::waitUntil([&] { return m_observer.look().windowManager; }, 10s))
