@@ -275,7 +275,7 @@ def report(data):
         pass
     lines += [f"Run of {started:%Y-%m-%d %H:%M} UTC on {os.cpu_count()} × {cpu}, Linux {platform.release()}; "
               f"{data['rounds']} rounds, the programs one at a time in an order that turns every round; "
-              f"1-minute load {min(loads):.2f}–{max(loads):.2f}. Desktop: Xvfb, openbox, tint2 with its tray, "
+              f"1-minute load {f'{min(loads):.2f}–{max(loads):.2f}' if loads else 'not sampled (no rounds)'}. Desktop: Xvfb, openbox, tint2 with its tray, "
               f"{REST_APPS} xterms, {data['processes']} processes. Each figure is the median over the rounds, "
               "with the range in brackets; ratios are to the bare Qt tray icon measured in the same round.", ""]
     lines += ["| Program | State | Resident | × bare tray | Private (RssAnon) | CPU (% of one core) |",
