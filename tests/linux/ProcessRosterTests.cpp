@@ -178,26 +178,40 @@ TEST(ProcessRoster, ReadsTheProcessDirectoryOnlyAfterAPidWasHandedOut)
     expectAsAFreshReadSays(roster, pid);
 }
 
+// Starts count sleeping processes, each told apart by its argument; none when they did not start.
+std::vector<int> startSleepers(tb::Apps& apps, int count, int firstArgument)
+{
+    std::vector<int> pids;
+    for (int i = 0; i < count; ++i)
+        pids.push_back(apps.start({"sleep", std::to_string(firstArgument + i)}));
+    const bool started = tb::waitUntil(
+        [&] { return std::all_of(pids.begin(), pids.end(), [](int pid) { return commOf(pid) == "sleep"; }); });
+    return started ? pids : std::vector<int>{};
+}
+
+// The roster reads as /proc does for every one of pids, and again after the last one ended.
+void expectRightBeforeAndAfterTheLastEnds(ProcessRoster& roster, const std::vector<int>& pids)
+{
+    for (const int pid : pids)
+        expectAsAFreshReadSays(roster, pid);
+    tb::kill(pids.back());
+    roster.refresh();
+    EXPECT_FALSE(listed(roster, pids.back()));
+    for (std::size_t i = 0; i + 1 < pids.size(); ++i)
+        expectAsAFreshReadSays(roster, pids[i]);
+}
+
 TEST(ProcessRoster, StaysRightBeyondItsBudgetOfKeptFilesAndGivesThemBack)
 {
     OpenFileBudget budget(5);
     tb::Apps apps;
-    std::vector<int> pids;
-    for (int i = 0; i < 4; ++i)
-        pids.push_back(apps.start({"sleep", std::to_string(100010 + i)}));
-    ASSERT_TRUE(tb::waitUntil(
-        [&] { return std::all_of(pids.begin(), pids.end(), [](int pid) { return commOf(pid) == "sleep"; }); }));
+    const std::vector<int> pids = startSleepers(apps, 4, 100010);
+    ASSERT_EQ(pids.size(), 4u);
     {
         ProcessRoster roster(budget);
         roster.refresh();
         EXPECT_LE(budget.left(), 1u);
-        for (const int pid : pids)
-            expectAsAFreshReadSays(roster, pid);
-        tb::kill(pids.back());
-        roster.refresh();
-        EXPECT_FALSE(listed(roster, pids.back()));
-        for (std::size_t i = 0; i + 1 < pids.size(); ++i)
-            expectAsAFreshReadSays(roster, pids[i]);
+        expectRightBeforeAndAfterTheLastEnds(roster, pids);
     }
     EXPECT_EQ(budget.left(), 5u);
 }
@@ -389,11 +403,8 @@ TEST(ProcessRoster, UnderALowLimitKeepsItsFilesBelowItAndStaysRight)
     const SoftLimit limit(600);
     ASSERT_TRUE(limit.set());
     tb::Apps apps;
-    std::vector<int> pids;
-    for (int i = 0; i < 3; ++i)
-        pids.push_back(apps.start({"sleep", std::to_string(100030 + i)}));
-    ASSERT_TRUE(tb::waitUntil(
-        [&] { return std::all_of(pids.begin(), pids.end(), [](int pid) { return commOf(pid) == "sleep"; }); }));
+    const std::vector<int> pids = startSleepers(apps, 3, 100030);
+    ASSERT_EQ(pids.size(), 3u);
     OpenFileBudget budget;
     EXPECT_EQ(budget.left(), 344u);
     {
@@ -403,13 +414,7 @@ TEST(ProcessRoster, UnderALowLimitKeepsItsFilesBelowItAndStaysRight)
         EXPECT_LT(during.highest, 600);
         EXPECT_GT(during.pidfdsLow, 0);
         EXPECT_LE(during.pidfdsLow, 172);
-        for (const int pid : pids)
-            expectAsAFreshReadSays(roster, pid);
-        tb::kill(pids.back());
-        roster.refresh();
-        EXPECT_FALSE(listed(roster, pids.back()));
-        for (std::size_t i = 0; i + 1 < pids.size(); ++i)
-            expectAsAFreshReadSays(roster, pids[i]);
+        expectRightBeforeAndAfterTheLastEnds(roster, pids);
     }
     EXPECT_EQ(budget.left(), 344u);
 }
