@@ -23,6 +23,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <thread>
 
 using namespace stowly;
 using namespace stowly::testbed;
@@ -264,7 +265,13 @@ TEST(PidReuse, AProcessThatInheritedAListedPidIsNotForceQuit)
     ASSERT_TRUE(std::any_of(shown.begin(), shown.end(), [&](const RunningAppInfo& a) { return a.id == first; }));
     const RunningApplicationRef listedFirst = listed(p.workspace, first);
     ASSERT_TRUE(listedFirst);
+    const auto firstStat = linuxdesktop::readProcStat(first);
+    ASSERT_TRUE(firstStat);
     testbed::kill(first);
+    // Start times count clock ticks: two processes started within one tick under the same
+    // pid cannot be told apart. A real reuse waits for a full turn of the pid space, far
+    // longer than a tick; this test skips the turn, so it lets a tick or two pass instead.
+    std::this_thread::sleep_for(30ms);
 
     int second = -1;
     for (int attempt = 0; attempt < 50 && second != first; ++attempt) {
@@ -282,6 +289,9 @@ TEST(PidReuse, AProcessThatInheritedAListedPidIsNotForceQuit)
     if (second != first)
         GTEST_SKIP() << "another process took the pid each time";
     ASSERT_TRUE(waitForWindowTitled("reuse-second"));
+    const auto secondStat = linuxdesktop::readProcStat(second);
+    ASSERT_TRUE(secondStat);
+    ASSERT_NE(secondStat->startTime, firstStat->startTime);
 
     EXPECT_FALSE(listedFirst->forceTerminate());
     EXPECT_TRUE(listedFirst->isTerminated());
