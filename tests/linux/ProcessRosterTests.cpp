@@ -145,7 +145,13 @@ TEST(ProcessRoster, AnOrphanGetsItsNewParentWhileTheOldOneIsStillAZombie)
     EXPECT_EQ(roster.parent(child), adopter);
 }
 
-TEST(ProcessRoster, ReadsTheProcessDirectoryOnlyAfterAPidWasHandedOut)
+// How many pids the kernel handed out from one reading of its last pid to another.
+long handedOutBetween(const std::string& before, const std::string& after)
+{
+    return std::stol(after) - std::stol(before);
+}
+
+TEST(ProcessRoster, FindsNewProcessesWithoutReadingTheProcessDirectory)
 {
     OpenFileBudget budget;
     ProcessRoster roster(budget);
@@ -170,12 +176,76 @@ TEST(ProcessRoster, ReadsTheProcessDirectoryOnlyAfterAPidWasHandedOut)
         GTEST_SKIP() << "processes kept starting on this machine";
 
     tb::Apps apps;
+    const std::string before = lastPid();
+    roster.refresh();
     const std::uint64_t listings = roster.listings();
     const int pid = apps.start({"sleep", "100004"});
     ASSERT_TRUE(tb::waitUntil([&] { return commOf(pid) == "sleep"; }));
     roster.refresh();
+    const std::string after = lastPid();
+    expectAsAFreshReadSays(roster, pid);
+    if (handedOutBetween(before, after) > 0 && handedOutBetween(before, after) <= ProcessRoster::kMostPidsLookedAt) {
+        EXPECT_EQ(roster.listings(), listings) << before << " to " << after;
+    }
+}
+
+TEST(ProcessRoster, ReadsTheProcessDirectoryWhenManyPidsWereHandedOut)
+{
+    OpenFileBudget budget;
+    ProcessRoster roster(budget);
+    if (!roster.seesNewPids())
+        GTEST_SKIP() << "this /proc does not belong to the test's pid namespace";
+    roster.refresh();
+    const std::uint64_t listings = roster.listings();
+    tb::Apps apps;
+    const std::string many = std::to_string(ProcessRoster::kMostPidsLookedAt + 20);
+    const int pid = apps.start(
+        {"sh", "-c", "i=0; while [ $i -lt " + many + " ]; do /bin/true; i=$((i+1)); done; exec sleep 100005"});
+    ASSERT_TRUE(tb::waitUntil([&] { return commOf(pid) == "sleep"; }));
+    roster.refresh();
     EXPECT_GT(roster.listings(), listings);
     expectAsAFreshReadSays(roster, pid);
+}
+
+// The pids a process gives its threads come from the same counter: looking at what was
+// handed out must still list only processes.
+TEST(ProcessRoster, LeavesTheThreadsOfANewProcessOut)
+{
+    OpenFileBudget budget;
+    ProcessRoster roster(budget);
+    const std::string before = lastPid(); // read first: the roster's range lies within this one
+    roster.refresh();
+    const std::uint64_t listings = roster.listings();
+    tb::Apps apps;
+    const int pid =
+        apps.start({"python3", "-c",
+                    "import threading, time\n"
+                    "for _ in range(3): threading.Thread(target=time.sleep, args=(100006,), daemon=True).start()\n"
+                    "time.sleep(100006)\n"});
+    std::vector<int> threads;
+    ASSERT_TRUE(tb::waitUntil([&] {
+        threads.clear();
+        DIR* dir = ::opendir(("/proc/" + std::to_string(pid) + "/task").c_str());
+        if (dir == nullptr)
+            return false;
+        while (const dirent* item = ::readdir(dir)) {
+            const int tid = std::atoi(item->d_name);
+            if (tid > 0 && tid != pid)
+                threads.push_back(tid);
+        }
+        ::closedir(dir);
+        return threads.size() >= 3;
+    }));
+    roster.refresh();
+    const std::string after = lastPid();
+    expectAsAFreshReadSays(roster, pid);
+    for (const int tid : threads)
+        EXPECT_FALSE(listed(roster, tid)) << "thread " << tid << " of " << pid;
+    // Told apart without reading /proc whole, where the roster could look at each pid.
+    if (roster.seesNewPids() && handedOutBetween(before, after) > 0 &&
+        handedOutBetween(before, after) <= ProcessRoster::kMostPidsLookedAt) {
+        EXPECT_EQ(roster.listings(), listings) << before << " to " << after;
+    }
 }
 
 // Starts count sleeping processes, each told apart by its argument; none when they did not start.
@@ -254,6 +324,7 @@ struct Descriptors {
     int pidfdsHigh = 0;
     int procFilesLow = 0; // /proc/PID/comm and /proc/PID/status
     int procFilesHigh = 0;
+    int watchesHigh = 0; // epoll instances
 };
 
 Descriptors descriptors()
@@ -277,6 +348,8 @@ Descriptors descriptors()
         found.highest = std::max(found.highest, fd);
         if (link == "anon_inode:[pidfd]")
             ++(low ? found.pidfdsLow : found.pidfdsHigh);
+        if (link == "anon_inode:[eventpoll]" && !low)
+            ++found.watchesHigh;
         const bool procFile = link.rfind("/proc/", 0) == 0 &&
                               (link.size() > 5 && (link.substr(link.size() - 5) == "/comm" ||
                                                    (link.size() > 7 && link.substr(link.size() - 7) == "/status")));
@@ -381,9 +454,12 @@ TEST(ProcessRoster, KeepsItsFilesAboveFdSetSizeAndStaysRight)
         const int listedCount = static_cast<int>(roster.pids().size());
         EXPECT_GE(during.pidfdsHigh - before.pidfdsHigh + 16, listedCount);
         EXPECT_GE(during.procFilesHigh - before.procFilesHigh + 16, listedCount + 1);
+        // The roster also keeps the watch over its pidfds and, where it can, the kernel's last pid.
+        EXPECT_EQ(during.watchesHigh - before.watchesHigh, 1);
         EXPECT_EQ(total - budget.left(),
                   static_cast<std::size_t>(during.pidfdsHigh - before.pidfdsHigh + during.procFilesHigh -
-                                           before.procFilesHigh + (roster.seesNewPids() ? 1 : 0)));
+                                           before.procFilesHigh + during.watchesHigh - before.watchesHigh +
+                                           (roster.seesNewPids() ? 1 : 0)));
         expectAsAFreshReadSays(roster, pid);
         tb::kill(pid);
         roster.refresh();
@@ -394,6 +470,7 @@ TEST(ProcessRoster, KeepsItsFilesAboveFdSetSizeAndStaysRight)
     const Descriptors after = descriptors();
     EXPECT_EQ(after.pidfdsHigh, before.pidfdsHigh);
     EXPECT_EQ(after.procFilesHigh, before.procFilesHigh);
+    EXPECT_EQ(after.watchesHigh, before.watchesHigh);
 }
 
 TEST(ProcessRoster, UnderALowLimitKeepsItsFilesBelowItAndStaysRight)

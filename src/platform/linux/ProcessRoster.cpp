@@ -9,11 +9,12 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <poll.h>
+#include <sys/epoll.h>
 #include <sys/statfs.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -78,17 +79,23 @@ ProcessRoster::ProcessRoster(OpenFileBudget& budget) : m_budget(budget)
 {
     if (m_budget.hasRoom())
         m_loadavgFd = m_budget.keep(openLastPidSource());
+    if (m_budget.hasRoom())
+        m_exitWatch = m_budget.keep(::epoll_create1(EPOLL_CLOEXEC));
 }
 
 ProcessRoster::~ProcessRoster()
 {
-    for (auto it = m_entries.begin(); it != m_entries.end();)
-        it = forget(it);
+    forgetAll();
+    m_budget.release(m_exitWatch);
     m_budget.release(m_loadavgFd);
 }
 
 void ProcessRoster::closeFiles(Entry& entry)
 {
+    // Taken out of the watch before it is closed: a copy of the descriptor in a child
+    // that has not executed its program yet would otherwise keep it watched.
+    if (entry.pidfd >= 0)
+        ::epoll_ctl(m_exitWatch, EPOLL_CTL_DEL, entry.pidfd, nullptr);
     for (int* fd : {&entry.pidfd, &entry.commFd}) {
         m_budget.release(*fd);
         *fd = -1;
@@ -101,40 +108,76 @@ ProcessRoster::Entries::iterator ProcessRoster::forget(Entries::iterator it)
     return m_entries.erase(it);
 }
 
+void ProcessRoster::forgetAll()
+{
+    for (auto it = m_entries.begin(); it != m_entries.end();)
+        it = forget(it);
+}
+
 void ProcessRoster::forgetExited()
 {
-    std::vector<pollfd>& fds = m_pollFds; // kept: this runs every tick
-    fds.clear();
-    m_scratch.clear();
-    for (const auto& [pid, entry] : m_entries) {
-        if (entry.pidfd >= 0) {
-            fds.push_back(pollfd{entry.pidfd, POLLIN, 0});
-            m_scratch.push_back(pid);
+    if (m_exitWatch < 0)
+        return;
+    std::array<epoll_event, 64> events{};
+    // An ended process stays ready until it is forgotten, so each round takes new ones; the
+    // bound only guards against a watch that keeps answering for a pid no longer held.
+    for (std::size_t round = 0; round <= m_entries.size() / events.size() + 1; ++round) {
+        int ready;
+        do
+            ready = ::epoll_wait(m_exitWatch, events.data(), static_cast<int>(events.size()), 0);
+        while (ready < 0 && errno == EINTR);
+        if (ready < 0) {
+            // Nothing tells which have ended: every process is read afresh.
+            forgetAll();
+            m_lastPidSeen.reset();
+            return;
         }
-    }
-    if (fds.empty())
-        return;
-    int ready;
-    do
-        ready = ::poll(fds.data(), fds.size(), 0);
-    while (ready < 0 && errno == EINTR);
-    if (ready == 0)
-        return;
-    for (std::size_t i = 0; i < fds.size(); ++i) {
-        if (ready < 0 || fds[i].revents != 0)
-            forget(m_entries.find(m_scratch[i]));
+        for (int i = 0; i < ready; ++i) {
+            const auto it = m_entries.find(static_cast<std::int32_t>(events[static_cast<std::size_t>(i)].data.u64));
+            if (it != m_entries.end() && it->second.pidfd >= 0)
+                forget(it);
+        }
+        if (ready < static_cast<int>(events.size()))
+            return;
     }
 }
 
-bool ProcessRoster::listingMayHaveGrown()
+ProcessRoster::HandedOut ProcessRoster::pidsHandedOut()
 {
     if (m_loadavgFd < 0)
-        return true;
+        return {};
     const auto last = readLastPid(m_loadavgFd);
-    const bool grown = !last || !m_lastPidSeen || *last != *m_lastPidSeen;
-    // Read before the listing: a pid handed out while /proc is read shows next pass.
+    const auto previous = m_lastPidSeen;
+    // Read before /proc is looked at: a pid handed out meanwhile shows next pass.
     m_lastPidSeen = last;
-    return grown;
+    if (!last || !previous || *last > 0x7fffffff)
+        return {};
+    if (*last == *previous)
+        return {HandedOut::None};
+    // The kernel hands pids out upwards and wraps to the bottom after its largest.
+    if (*last < *previous || *last - *previous > static_cast<std::uint64_t>(kMostPidsLookedAt))
+        return {};
+    return {HandedOut::Range, static_cast<std::int32_t>(*previous), static_cast<std::int32_t>(*last)};
+}
+
+bool ProcessRoster::lookAt(const HandedOut& range)
+{
+    for (std::int32_t pid = range.after + 1; pid <= range.upTo && pid > 0; ++pid) {
+        if (m_entries.find(pid) != m_entries.end())
+            continue; // an older process the counter went past
+        // Without room for its files, nothing would tell a thread from a process.
+        if (m_exitWatch < 0 || !m_budget.hasRoom(2))
+            return false;
+        const int pidfd = openPidfd(pid);
+        if (pidfd < 0) {
+            // ESRCH: ended already. A thread, not a process: EINVAL, or ENOENT on newer kernels.
+            if (errno == ESRCH || errno == EINVAL || errno == ENOENT)
+                continue;
+            return false;
+        }
+        adopt(pid, pidfd);
+    }
+    return true;
 }
 
 bool ProcessRoster::rereadStat(std::int32_t pid, Entry& entry)
@@ -174,19 +217,28 @@ bool ProcessRoster::rereadName(std::int32_t pid, Entry& entry)
     return true;
 }
 
-bool ProcessRoster::adopt(std::int32_t pid)
+void ProcessRoster::hold(std::int32_t pid, Entry& entry, int pidfd)
+{
+    entry.pidfd = m_budget.keep(pidfd);
+    if (entry.pidfd < 0)
+        return;
+    char path[32];
+    std::snprintf(path, sizeof path, "/proc/%d/comm", pid);
+    entry.commFd = m_budget.keep(::open(path, O_RDONLY | O_CLOEXEC));
+    epoll_event watched{};
+    watched.events = EPOLLIN;
+    watched.data.u64 = static_cast<std::uint32_t>(pid);
+    if (entry.commFd < 0 || ::epoll_ctl(m_exitWatch, EPOLL_CTL_ADD, entry.pidfd, &watched) != 0)
+        closeFiles(entry); // all or nothing
+}
+
+bool ProcessRoster::adopt(std::int32_t pid, int pidfd)
 {
     Entry entry;
-    if (m_budget.hasRoom(2)) {
-        entry.pidfd = m_budget.keep(openPidfd(pid));
-        if (entry.pidfd >= 0) {
-            char path[32];
-            std::snprintf(path, sizeof path, "/proc/%d/comm", pid);
-            entry.commFd = m_budget.keep(::open(path, O_RDONLY | O_CLOEXEC));
-            if (entry.commFd < 0)
-                closeFiles(entry); // both or neither
-        }
-    }
+    if (pidfd < 0 && m_exitWatch >= 0 && m_budget.hasRoom(2))
+        pidfd = openPidfd(pid);
+    if (pidfd >= 0)
+        hold(pid, entry, pidfd);
     // Read after the pidfd was opened: if the pidfd still says alive afterwards, what was
     // read is that process's, not a later one's under the same pid.
     const bool read = rereadStat(pid, entry);
@@ -266,14 +318,14 @@ void ProcessRoster::checkParents()
 void ProcessRoster::refresh()
 {
     forgetExited();
-    const bool relisting = listingMayHaveGrown();
+    const HandedOut handedOut = pidsHandedOut();
     m_scratch.clear();
     for (auto& [pid, entry] : m_entries)
         if (!rereadName(pid, entry))
             m_scratch.push_back(pid);
     for (const std::int32_t pid : m_scratch)
         forget(m_entries.find(pid));
-    if (relisting)
+    if (handedOut.kind == HandedOut::Unknown || (handedOut.kind == HandedOut::Range && !lookAt(handedOut)))
         relist();
     checkParents();
     m_pids.clear();

@@ -6,8 +6,6 @@
 
 #include "OpenFileBudget.h"
 
-#include <poll.h>
-
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -21,10 +19,13 @@ namespace stowly::linuxdesktop {
 // what can change unseen. The name, because a process may execute another program: one
 // small read per process. The parent, only once the recorded one has exited, which its
 // pidfd tells without a read (the kernel hands an orphan to a new parent then, and only
-// then). The list of pids, only when the kernel has handed out a pid since the last
-// pass; exits show on the pidfds. Kernel threads are left out of the list: they have no
-// memory and no windows, so no app can count them; each is kept by its pidfd alone, so
-// that it is neither read again nor taken for new.
+// then). Exits show on the pidfds, all watched by one epoll instance, so that a pass asks
+// once and hears only of the processes that ended. New processes: only when the kernel
+// has handed out a pid since the last pass, and then only the pids handed out are looked
+// at (most of them are threads), unless there were too many or the counter wrapped; then
+// /proc is read whole. Kernel threads are left out of the list: they have no memory and
+// no windows, so no app can count them; each is kept by its pidfd alone, so that it is
+// neither read again nor taken for new.
 class ProcessRoster {
 public:
     explicit ProcessRoster(OpenFileBudget& budget);
@@ -56,6 +57,10 @@ public:
     // that started then counts.
     bool isRunning(std::int32_t pid, std::optional<std::uint64_t> startTime = std::nullopt) const;
 
+    // More pids handed out than this between two passes, and /proc is read whole rather than
+    // each of them looked at.
+    static constexpr std::int32_t kMostPidsLookedAt = 128;
+
     // For measurements and tests: readings of the whole /proc directory, and reads of
     // /proc/PID/stat (where parents and start times come from), since the roster was made.
     std::uint64_t listings() const { return m_listings; }
@@ -76,10 +81,20 @@ private:
         bool kernelThread = false;
     };
 
+    // The pids handed out since the last pass: none, the range (after, upTo], or unknown.
+    struct HandedOut {
+        enum Kind { None, Range, Unknown } kind = Unknown;
+        std::int32_t after = 0;
+        std::int32_t upTo = 0;
+    };
+
     void forgetExited();
-    bool listingMayHaveGrown();
+    void forgetAll();
+    HandedOut pidsHandedOut();
+    bool lookAt(const HandedOut& range);
     void relist();
-    bool adopt(std::int32_t pid);
+    bool adopt(std::int32_t pid, int pidfd = -1);
+    void hold(std::int32_t pid, Entry& entry, int pidfd);
     bool rereadName(std::int32_t pid, Entry& entry);
     bool rereadStat(std::int32_t pid, Entry& entry);
     void closeFiles(Entry& entry);
@@ -93,11 +108,11 @@ private:
     Entries m_entries;
     std::vector<std::int32_t> m_pids;
     std::vector<std::int32_t> m_scratch;
-    std::vector<pollfd> m_pollFds;
     std::uint64_t m_nextSerial = 0;
     std::uint64_t m_listings = 0;
     mutable std::uint64_t m_statReads = 0;
     int m_loadavgFd = -1; // its last field: the pid the kernel handed out last
+    int m_exitWatch = -1; // epoll over every kept pidfd; without it, no pidfd is kept
     std::optional<std::uint64_t> m_lastPidSeen;
 };
 
