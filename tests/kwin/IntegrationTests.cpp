@@ -182,7 +182,9 @@ TEST_F(KWinIntegration, CloseAllAsksAndKillsNothing)
     model.closeAllWindows();
     EXPECT_EQ(model.lastResultMessage(), QStringLiteral("Closed 6 windows."));
     for (const int pid : {desk.a, desk.b, desk.gtk, desk.term})
-        EXPECT_TRUE(tb::waitUntil([&] { return tb::processGone(pid); })) << pid;
+        EXPECT_TRUE(tb::waitUntil([&] { return tb::processGone(pid); }))
+            << pid << "\n"
+            << tb::readText(sharedSession().root() + "/apps.log");
     // GTK closed its window on the compositor's request, it was not signalled.
     EXPECT_NE(tb::readText(sharedSession().root() + "/apps.log").find("gtk window kdesk-gtk: closed on request"),
               std::string::npos);
@@ -202,7 +204,9 @@ TEST_F(KWinIntegration, ForceQuitAllSparesTheCompositorTheAccessoryAndItself)
     model.forceQuitAllApps();
     EXPECT_EQ(model.lastResultMessage(), QStringLiteral("Force quit sent to 6 apps."));
     for (const int pid : desk.managedPids())
-        EXPECT_TRUE(tb::waitUntil([&] { return tb::processGone(pid); })) << pid;
+        EXPECT_TRUE(tb::waitUntil([&] { return tb::processGone(pid); }))
+            << pid << "\n"
+            << tb::readText(sharedSession().root() + "/apps.log");
     desk.expectBystandersAlive();
     EXPECT_TRUE(tb::waitUntil([&] {
         model.refreshRunningApps();
