@@ -170,7 +170,8 @@ TEST_F(KWinWindows, CloseAsksAndAWindowMayRefuse)
     ASSERT_TRUE(management->close(politeWindow->uuid));
     ASSERT_TRUE(management->close(stubbornWindow->uuid));
     // The polite app quits by itself when its last window closes; the other keeps its window.
-    EXPECT_TRUE(tb::waitUntil([&] { return tb::reapIfExited(polite); })) << tb::readText(sharedSession().root() + "/apps.log");
+    EXPECT_TRUE(tb::waitUntil([&] { return tb::reapIfExited(polite); }))
+        << tb::readText(sharedSession().root() + "/apps.log");
     EXPECT_TRUE(tb::waitUntil([&] { return !current(politeWindow->uuid).has_value(); }));
     EXPECT_TRUE(current(stubbornWindow->uuid).has_value());
     EXPECT_FALSE(tb::processGone(stubborn));
