@@ -12,6 +12,7 @@
 #include <unistd.h>
 
 #include <climits>
+#include <cstdlib>
 #include <sstream>
 #include <thread>
 
@@ -92,7 +93,9 @@ KWinSession::KWinSession(const std::string& buildDir, bool grantSelf) : m_folder
     tb::run("cp /usr/bin/kwin_wayland '" + kwin + "'");
     // KWin starts the positional program inside the session; it reports the Xwayland display.
     const std::string reporter = root() + "/report-display";
-    tb::writeFile(reporter, "#!/bin/sh\necho \"$DISPLAY\" > '" + root() + "/x11-display'\nexec sleep 100000\n");
+    // It stays (KWin's session program) and outlives KWin, so it leaves its pid for the stop.
+    tb::writeFile(reporter, "#!/bin/sh\necho $$ > '" + root() + "/reporter-pid'\necho \"$DISPLAY\" > '" + root() +
+                                "/x11-display'\nexec sleep 100000\n");
     chmod(reporter.c_str(), 0755);
 
     m_socket = "stowly-kwin-" + std::to_string(getpid());
@@ -151,6 +154,10 @@ void KWinSession::stopCompositor()
     if (!tb::waitUntil([&] { return tb::reapIfExited(m_kwin); }, 5s))
         tb::kill(m_kwin);
     m_kwin = -1;
+    // Not our child: it was KWin's. Its name tells that the pid is still the reporter's.
+    const int reporter = std::atoi(firstLine(tb::readText(root() + "/reporter-pid")).c_str());
+    if (reporter > 0 && tb::readText("/proc/" + std::to_string(reporter) + "/comm") == "sleep\n")
+        ::kill(reporter, SIGKILL);
 }
 
 int KWinSession::startNative(const std::string& title, const std::vector<std::string>& extra)
