@@ -13,6 +13,7 @@
 
 #include <climits>
 #include <cstdlib>
+#include <set>
 #include <sstream>
 #include <thread>
 
@@ -158,6 +159,23 @@ void KWinSession::stopCompositor()
     const int reporter = std::atoi(firstLine(tb::readText(root() + "/reporter-pid")).c_str());
     if (reporter > 0 && tb::readText("/proc/" + std::to_string(reporter) + "/comm") == "sleep\n")
         ::kill(reporter, SIGKILL);
+}
+
+void KWinSession::endApps()
+{
+    const std::set<int> ended(m_apps.begin(), m_apps.end());
+    for (const int pid : m_apps)
+        tb::kill(pid);
+    m_apps.clear();
+    if (ended.empty() || m_kwin <= 0)
+        return;
+    tb::waitUntil([&] {
+        for (const ScriptedWindow& window : scriptedWindows()) {
+            if (ended.count(window.pid) != 0)
+                return false;
+        }
+        return true;
+    });
 }
 
 int KWinSession::startNative(const std::string& title, const std::vector<std::string>& extra)

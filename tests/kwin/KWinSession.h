@@ -47,6 +47,9 @@ public:
 
     // Ends KWin (SIGTERM, then SIGKILL) and waits for it.
     void stopCompositor();
+    // Ends every app started here since the last call and waits until KWin has let go of their
+    // windows: a test that stopped early leaves nothing for the next one to count.
+    void endApps();
 
     // KWin's own view of its windows, asked through a KWin script over D-Bus: an observer
     // that shares no code with ours.

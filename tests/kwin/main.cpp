@@ -35,6 +35,17 @@ public:
 };
 stowly::kwintest::KWinSession* SessionEnvironment::s_session = nullptr;
 
+// After each test, whatever it started goes, passed or not (a failed assertion returns before
+// the test's own clean-up), so that one failure does not turn into several.
+class AppsEndWithTheirTest : public ::testing::EmptyTestEventListener {
+public:
+    void OnTestEnd(const ::testing::TestInfo&) override
+    {
+        if (SessionEnvironment::s_session != nullptr)
+            SessionEnvironment::s_session->endApps();
+    }
+};
+
 } // namespace
 
 namespace stowly::kwintest {
@@ -87,5 +98,6 @@ int main(int argc, char** argv)
     QCoreApplication app(argc, argv);
     ::testing::InitGoogleTest(&argc, argv);
     ::testing::AddGlobalTestEnvironment(new SessionEnvironment);
+    ::testing::UnitTest::GetInstance()->listeners().Append(new AppsEndWithTheirTest);
     return RUN_ALL_TESTS();
 }
