@@ -4,10 +4,12 @@
 
 #include "SettingsPreferenceStore.h"
 
+#include "PreferenceFileFormat.h"
+
 namespace stowly::linuxdesktop {
 
 SettingsPreferenceStore::SettingsPreferenceStore()
-    : m_settings(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("Stowly"), QStringLiteral("Stowly"))
+    : m_settings(preferenceFileFormat(), QSettings::UserScope, QStringLiteral("Stowly"), QStringLiteral("Stowly"))
 {
 }
 
@@ -31,8 +33,8 @@ std::optional<std::string> SettingsPreferenceStore::readableText(const QVariant&
         return value.toStringList().join(QLatin1Char(',')).toStdString();
     case QMetaType::QByteArray: return QString::fromUtf8(value.toByteArray()).toStdString();
     default:
-        // An @Variant(...) that did not load, an @Rect(...): nothing a reader could
-        // take for the text, so the reader's default applies. The file keeps the value.
+        // An "@Variant(...)", an "@Rect(...)": nothing a reader could take for the text, so
+        // the reader's default applies. The file keeps the value as it stands.
         return std::nullopt;
     }
 }
