@@ -6,6 +6,7 @@
 
 #include <QByteArray>
 #include <QIODevice>
+#include <QString>
 
 #include <map>
 #include <utility>
@@ -14,6 +15,12 @@
 namespace stowly::linuxdesktop {
 
 namespace {
+
+// A value in one of QSettings' "@Type(...)" forms: the text as it stood in the file, written
+// back the same.
+struct UninterpretedValue {
+    QString text;
+};
 
 // QSettings keeps the keys of its "General" section at the top level.
 const QString kTopLevelSection = QStringLiteral("General");
@@ -165,8 +172,6 @@ QByteArray escapedValue(const QVariant& value)
     return quote ? '"' + bytes + '"' : bytes;
 }
 
-} // namespace
-
 bool readPreferenceFile(QIODevice& device, QSettings::SettingsMap& map)
 {
     const QString text = QString::fromUtf8(device.readAll());
@@ -211,6 +216,8 @@ bool writePreferenceFile(QIODevice& device, const QSettings::SettingsMap& map)
     }
     return device.write(out) == out.size();
 }
+
+} // namespace
 
 QSettings::Format preferenceFileFormat()
 {

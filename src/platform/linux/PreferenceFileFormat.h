@@ -11,22 +11,11 @@
 // write puts it back exactly as it was.
 
 #include <QSettings>
-#include <QString>
-
-class QIODevice;
 
 namespace stowly::linuxdesktop {
 
-// A value in one of QSettings' "@Type(...)" forms: the text as it stood in the file, written
-// back the same.
-struct UninterpretedValue {
-    QString text;
-};
-
-// QSettings::IniFormat's file layout, with every value read as text.
+// QSettings::IniFormat's file layout, with every value read as text. A value in one of
+// QSettings' "@Type(...)" forms reads as neither text nor list, so readers take their default.
 QSettings::Format preferenceFileFormat();
-
-bool readPreferenceFile(QIODevice& device, QSettings::SettingsMap& map);
-bool writePreferenceFile(QIODevice& device, const QSettings::SettingsMap& map);
 
 } // namespace stowly::linuxdesktop
