@@ -72,19 +72,8 @@ struct Desk {
             },
             20s);
     }
-    ~Desk()
-    {
-        for (int pid : {a, b, withDialog, stubborn, gtk, term, accessory})
-            tb::kill(pid);
-        // KWin must have let go of them before the next test counts windows.
-        tb::waitUntil([] {
-            for (const ScriptedWindow& w : sharedSession().scriptedWindows()) {
-                if (w.caption.rfind("kdesk-", 0) == 0)
-                    return false;
-            }
-            return true;
-        });
-    }
+    // No clean-up of its own: after each test the session ends what the test started and waits
+    // until KWin has let go of their windows (see main.cpp).
     std::vector<int> managedPids() const { return {a, b, withDialog, stubborn, gtk, term}; }
     static std::vector<std::string> standardCaptions()
     {
